@@ -1,0 +1,56 @@
+// Enumerations shared by values, writers, readers and metadata.
+#ifndef KX_TYPES_H
+#define KX_TYPES_H
+
+#include "KxConfig.h"
+
+namespace KxXmlLib16 {
+
+// The primitive item type passed with every value to writers, metadata, variant and collections.
+enum ItemType {
+    ItemType_Invalid = 0,
+    ItemType_hexBinary = 1,
+    ItemType_base64Binary = 2,
+    ItemType_i1 = 3,
+    ItemType_i2 = 4,
+    ItemType_i4 = 5,
+    ItemType_i8 = 6,
+    ItemType_ui1 = 7,
+    ItemType_ui2 = 8,
+    ItemType_ui4 = 9,
+    ItemType_ui8 = 10,
+    ItemType_r4 = 11,
+    ItemType_r8 = 12,
+    ItemType_duration = 13,
+    ItemType_yearMonth = 14,
+    ItemType_monthDay = 15,
+    ItemType_year = 16,
+    ItemType_month = 17,
+    ItemType_day = 18,
+    ItemType_date = 19,
+    ItemType_datetime = 20,
+    ItemType_time = 21,
+    ItemType_char = 22,
+    ItemType_string = 23,
+    ItemType_boolean = 24,
+    ItemType_decimal = 25,
+    ItemType_integer = 26,
+    ItemType_XmlObject = 27,
+    ItemType_XmlCollection = 28
+};
+
+// Character encoding of text output.
+enum XmlEncoding {
+    XmlEncoding_Unset = 0,
+    XmlEncoding_UTF8 = 1,
+    XmlEncoding_UTF16 = 2,           // UTF-16, named in the XML declaration
+    XmlEncoding_UTF16Undeclared = 3  // UTF-16, no encoding in the declaration
+};
+
+enum EOLType { EOLType_CRLF = 0, EOLType_LF = 1 };
+
+enum CompressionType { CompressionType_None = 0, CompressionType_GZip = 1, CompressionType_ZLib = 2 };
+
+}  // namespace KxXmlLib16
+
+#endif

@@ -1,0 +1,13 @@
+// Umbrella header: everything public of KxXmlLib16 and KxXmlLib16Data.
+#ifndef KX_KXXMLLIB16_H
+#define KX_KXXMLLIB16_H
+
+#include "KxConfig.h"
+#include "KxTypes.h"
+
+#include "CInstanceMonitor.h"
+#include "CKXCriticalSection.h"
+#include "CKxException.h"
+#include "FormatString.h"
+
+#endif
