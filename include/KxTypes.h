@@ -7,7 +7,7 @@
 namespace KxXmlLib16 {
 
 // The primitive item type passed with every value to writers, metadata, variant and collections.
-enum ItemType {
+enum ItemType : int {
     ItemType_Invalid = 0,
     ItemType_hexBinary = 1,
     ItemType_base64Binary = 2,
@@ -40,16 +40,16 @@ enum ItemType {
 };
 
 // Character encoding of text output.
-enum XmlEncoding {
+enum XmlEncoding : int {
     XmlEncoding_Unset = 0,
     XmlEncoding_UTF8 = 1,
     XmlEncoding_UTF16 = 2,           // UTF-16, named in the XML declaration
     XmlEncoding_UTF16Undeclared = 3  // UTF-16, no encoding in the declaration
 };
 
-enum EOLType { EOLType_CRLF = 0, EOLType_LF = 1 };
+enum EOLType : int { EOLType_CRLF = 0, EOLType_LF = 1 };
 
-enum CompressionType { CompressionType_None = 0, CompressionType_GZip = 1, CompressionType_ZLib = 2 };
+enum CompressionType : int { CompressionType_None = 0, CompressionType_GZip = 1, CompressionType_ZLib = 2 };
 
 }  // namespace KxXmlLib16
 

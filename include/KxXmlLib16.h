@@ -5,6 +5,8 @@
 #include "KxConfig.h"
 #include "KxTypes.h"
 
+#include "CBase64.h"
+#include "CBinaryData.h"
 #include "CInstanceMonitor.h"
 #include "CKXCriticalSection.h"
 #include "CKxException.h"
