@@ -6,7 +6,9 @@
 #include "KxTypes.h"
 
 #include "CBase64.h"
+#include "CBigInteger.h"
 #include "CBinaryData.h"
+#include "CDecimal.h"
 #include "CInstanceMonitor.h"
 #include "CKXCriticalSection.h"
 #include "CKxException.h"

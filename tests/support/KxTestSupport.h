@@ -29,6 +29,21 @@ void ExpectKxError(Fn&& fn, const std::string& message) {
     ADD_FAILURE() << "nothing was thrown; expected: " << message;
 }
 
+// Decimal text of a 128-bit integer, the reference for big-number arithmetic checks.
+inline std::string Int128ToString(__int128 value) {
+    if (value == 0) return "0";
+    const bool negative = value < 0;
+    unsigned __int128 magnitude =
+        negative ? static_cast<unsigned __int128>(0) - static_cast<unsigned __int128>(value)
+                 : static_cast<unsigned __int128>(value);
+    std::string out;
+    while (magnitude != 0) {
+        out.insert(out.begin(), static_cast<char>('0' + static_cast<int>(magnitude % 10)));
+        magnitude /= 10;
+    }
+    return negative ? "-" + out : out;
+}
+
 }  // namespace KxTest
 
 #endif
