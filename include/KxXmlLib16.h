@@ -8,6 +8,8 @@
 #include "CBase64.h"
 #include "CBigInteger.h"
 #include "CBinaryData.h"
+#include "CDateTime.h"
+#include "CDateTimeSpan.h"
 #include "CDecimal.h"
 #include "CInstanceMonitor.h"
 #include "CKXCriticalSection.h"
