@@ -8,12 +8,16 @@
 #include "CBase64.h"
 #include "CBigInteger.h"
 #include "CBinaryData.h"
+#include "CConversions.h"
 #include "CDateTime.h"
 #include "CDateTimeSpan.h"
 #include "CDecimal.h"
+#include "CEncoder.h"
 #include "CInstanceMonitor.h"
 #include "CKXCriticalSection.h"
 #include "CKxException.h"
+#include "CWhitespaceUtils.h"
+#include "ConvertUTF.h"
 #include "FormatString.h"
 
 #endif
