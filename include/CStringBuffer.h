@@ -1,0 +1,61 @@
+// A text buffer made of a chain of fixed-size blocks: appending never moves what is already
+// written; the blocks are joined once, when the whole text is asked for.
+#ifndef KX_CSTRINGBUFFER_H
+#define KX_CSTRINGBUFFER_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CInstanceMonitor.h"
+#include "KxConfig.h"
+
+namespace KxXmlLib16 {
+
+class KX_EXPORT CStringBuffer : public CInstanceMonitor {
+public:
+    // Blocks of 4095 characters (4096 bytes with the terminating NUL).
+    CStringBuffer();
+    // Blocks of allocationSize - 1 characters, so each block takes allocationSize bytes; sizes
+    // below 2 give blocks of one character.
+    explicit CStringBuffer(unsigned int allocationSize);
+    virtual ~CStringBuffer();
+    CStringBuffer(const CStringBuffer&) = delete;
+    CStringBuffer& operator=(const CStringBuffer&) = delete;
+
+    // Append a NUL-terminated text (null appends nothing), a std::string up to its first NUL,
+    // or one character.
+    void Append(const char* text);
+    void Append(const std::string& text);
+    void Append(char c);
+
+    // Clear(), then Append(text).
+    void SetText(const char* text);
+
+    // The whole text, NUL-terminated, never null. Several blocks are first joined into one;
+    // the pointer is valid until the buffer next changes.
+    const char* GetText();
+    // Number of characters in the buffer.
+    unsigned int GetLength() const;
+
+    // Makes the buffer empty, keeping the storage when it is a single block.
+    void Empty();
+    // Frees every block and makes the buffer empty.
+    void Clear();
+
+private:
+    void AddNewBlock();
+    void AppendChars(const char* text, size_t length);
+
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    std::vector<unsigned int> m_blockSizes;
+    unsigned int m_blockSize;
+    unsigned int m_currentCapacity;
+    unsigned int m_currentUsed;
+    char* m_currentBlock;
+    unsigned int m_totalLength;
+};
+
+}  // namespace KxXmlLib16
+
+#endif
