@@ -19,10 +19,17 @@
 #include "CInstanceMonitor.h"
 #include "CKXCriticalSection.h"
 #include "CKxException.h"
+#include "CPrimitiveRestrictions.h"
+#include "CSmartPtr.h"
 #include "CStringBuffer.h"
 #include "CTextStream.h"
 #include "CWhitespaceUtils.h"
+#include "CXmlCollectionBase.h"
+#include "CXmlObjectBase.h"
+#include "CXmlObjectHelper.h"
 #include "ConvertUTF.h"
 #include "FormatString.h"
+#include "KxRegEx.h"
+#include "KxVariant.h"
 
 #endif

@@ -7,9 +7,7 @@
 // blank; it is read under the collapse whitespace rule, as schema types other than string are.
 #include <cstdio>
 #include <fstream>
-#include <functional>
 #include <iostream>
-#include <map>
 #include <string>
 
 #include "KxXmlLib16.h"
@@ -18,30 +16,17 @@ using namespace KxXmlLib16;
 
 namespace {
 
-using Rule = CWhitespaceUtils::WhitespaceRule;
-using Canonicalizer = std::function<std::string(const std::string&, Rule)>;
-
-// Parse with the type's parser, then write with its formatter.
-#define KX_ROUND_TRIP(type) \
-    { #type, [](const std::string& text, Rule rule) { \
-          return CConversions::type##ToString(CConversions::type##FromString(text, rule)); } }
-
-const std::map<std::string, Canonicalizer>& Canonicalizers() {
-    static const std::map<std::string, Canonicalizer> table = {
-        KX_ROUND_TRIP(hexBinary), KX_ROUND_TRIP(base64Binary), KX_ROUND_TRIP(i1),
-        KX_ROUND_TRIP(i2),        KX_ROUND_TRIP(i4),           KX_ROUND_TRIP(i8),
-        KX_ROUND_TRIP(ui1),       KX_ROUND_TRIP(ui2),          KX_ROUND_TRIP(ui4),
-        KX_ROUND_TRIP(ui8),       KX_ROUND_TRIP(r4),           KX_ROUND_TRIP(r8),
-        KX_ROUND_TRIP(duration),  KX_ROUND_TRIP(yearMonth),    KX_ROUND_TRIP(monthDay),
-        KX_ROUND_TRIP(year),      KX_ROUND_TRIP(month),        KX_ROUND_TRIP(day),
-        KX_ROUND_TRIP(date),      KX_ROUND_TRIP(datetime),     KX_ROUND_TRIP(time),
-        KX_ROUND_TRIP(char),      KX_ROUND_TRIP(string),       KX_ROUND_TRIP(boolean),
-        KX_ROUND_TRIP(decimal),   KX_ROUND_TRIP(integer),
-    };
-    return table;
+// The item type with the given name ("i4", "datetime" ...), or ItemType_Invalid.
+ItemType ItemTypeFromName(const std::string& name) {
+    static const char* const names[] = {
+        "",          "hexBinary", "base64Binary", "i1",      "i2",      "i4",      "i8",
+        "ui1",       "ui2",       "ui4",          "ui8",     "r4",      "r8",      "duration",
+        "yearMonth", "monthDay",  "year",         "month",   "day",     "date",    "datetime",
+        "time",      "char",      "string",       "boolean", "decimal", "integer"};
+    for (int tag = ItemType_hexBinary; tag <= ItemType_integer; ++tag)
+        if (name == names[tag]) return static_cast<ItemType>(tag);
+    return ItemType_Invalid;
 }
-
-#undef KX_ROUND_TRIP
 
 // Returns the number of lines that failed.
 int Process(std::istream& in) {
@@ -54,16 +39,17 @@ int Process(std::istream& in) {
         const size_t blank = line.find(' ');
         const std::string type = line.substr(0, blank);
         const std::string value = blank == std::string::npos ? std::string() : line.substr(blank + 1);
-        const auto found = Canonicalizers().find(type);
-        if (found == Canonicalizers().end()) {
+        const ItemType itemType = ItemTypeFromName(type);
+        if (itemType == ItemType_Invalid) {
             std::cout << lineNumber << ": unknown item type [" << type << "]\n";
             ++failures;
             continue;
         }
         try {
-            const std::string canonical =
-                found->second(value, CWhitespaceUtils::WhitespaceRule_Collapse);
-            std::cout << type << " [" << value << "] -> " << canonical << "\n";
+            // Parse with the type's parser, then write with its formatter.
+            KxVariant parsed;
+            parsed.FromString(value, itemType, CWhitespaceUtils::WhitespaceRule_Collapse);
+            std::cout << type << " [" << value << "] -> " << parsed.ToString() << "\n";
         } catch (const CKxException& e) {
             std::cout << type << " [" << value << "] !! " << e.GetFullMessage() << "\n";
             ++failures;
