@@ -15,6 +15,8 @@ class CDateTime;
 class CDateTimeSpan;
 class CDecimal;
 class CPrimitiveRestrictions;
+class CSerializationContext;
+class CXmlElement;
 class KxVariant;
 
 class KX_EXPORT CXmlObjectHelper {
@@ -112,6 +114,27 @@ public:
     // number of digits; the number of fraction digits, trailing zeros not counted.
     static int GetDecimalIntegerPartLen(const CDecimal& value);
     static int GetDecimalFractionPartLen(const CDecimal& value);
+
+    // ---- Namespace tests -------------------------------------------------------------------
+    //
+    // Whether `namespaceUri` satisfies a wildcard's namespace constraint: "##any"; "##other"
+    // (any namespace but the target namespace; equal empty strings fail); "##local" (the empty
+    // namespace); "##targetNamespace" (the target namespace, empty included); or a URI, which
+    // accepts the empty namespace and the constraint text itself. Of a blank-separated list
+    // only the first token is tested in full; after it, the empty namespace alone still passes.
+    // Never throws.
+    static bool IsNamespaceValid(const std::string& namespaceUri, const std::string& constraint,
+                                 const std::string& targetNamespace);
+    // True when IsNamespaceValid is; otherwise throws CKxInvalidNamespaceException
+    // "Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is
+    // [%s]." (namespace, constraint, target namespace; empty path).
+    static bool TestNamespace(const std::string& namespaceUri, const std::string& constraint,
+                              const std::string& targetNamespace);
+    // Whether the element's local name is `name` and, unless the context ignores namespaces
+    // (IgnoreNamespaces, or a schema without namespaces), its namespace URI is `namespaceUri`.
+    // Byte-wise, case-sensitive; a null element never matches. Never throws.
+    static bool DoesElementNameMatch(const CSerializationContext& ctx, const CXmlElement* element,
+                                     const std::string& name, const std::string& namespaceUri);
 };
 
 }  // namespace KxXmlLib16

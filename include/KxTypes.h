@@ -51,6 +51,28 @@ enum EOLType : int { EOLType_CRLF = 0, EOLType_LF = 1 };
 
 enum CompressionType : int { CompressionType_None = 0, CompressionType_GZip = 1, CompressionType_ZLib = 2 };
 
+// The XML declaration at the start of a Fast Infoset document: none, or one of nine texts.
+enum FInfoDecl : int {
+    FInfoDecl_None = 0,
+    FInfoDecl_1 = 1,  // <?xml encoding='finf'?>
+    FInfoDecl_2 = 2,  // <?xml encoding='finf' standalone='yes'?>
+    FInfoDecl_3 = 3,  // <?xml encoding='finf' standalone='no'?>
+    FInfoDecl_4 = 4,  // <?xml version='1.0' encoding='finf'?>
+    FInfoDecl_5 = 5,  // <?xml version='1.0' encoding='finf' standalone='yes'?>
+    FInfoDecl_6 = 6,  // <?xml version='1.0' encoding='finf' standalone='no'?>
+    FInfoDecl_7 = 7,  // <?xml version='1.1' encoding='finf'?>
+    FInfoDecl_8 = 8,  // <?xml version='1.1' encoding='finf' standalone='yes'?>
+    FInfoDecl_9 = 9   // <?xml version='1.1' encoding='finf' standalone='no'?>
+};
+
+// Kind of schema the bindings were generated from; only the schema without namespaces changes
+// behaviour (names are then matched without namespaces).
+enum SchemaType : int { SchemaType_Default = 0, SchemaType_NoNamespace = 2 };
+
+// How much XML information JSON output keeps: plain names only, attributes and text marked, or
+// everything including qualified names and namespace declarations.
+enum JsonRoundTrip : int { RoundTrip_None = 0, RoundTrip_Simple = 1, RoundTrip_Full = 2 };
+
 }  // namespace KxXmlLib16
 
 #endif

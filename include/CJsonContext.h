@@ -1,0 +1,44 @@
+// CJsonContext: the JSON options of a serialization context.
+#ifndef KX_CJSONCONTEXT_H
+#define KX_CJSONCONTEXT_H
+
+#include <string>
+
+#include "KxConfig.h"
+#include "KxTypes.h"
+
+namespace KxXmlLib16 {
+
+// Held by CSerializationContext (GetJsonContext) and read by the JSON writer and reader.
+// A plain value: copying copies every option.
+class KX_EXPORT CJsonContext {
+public:
+    // Full round trip, no root element name, comments accepted.
+    CJsonContext();
+    CJsonContext(const CJsonContext& other);
+    CJsonContext& operator=(const CJsonContext& other);
+    virtual ~CJsonContext();
+
+    // How much XML information the JSON keeps (RoundTrip_Full by default).
+    JsonRoundTrip GetSupportRoundtrip() const;
+    void SetSupportRoundtrip(JsonRoundTrip value);
+
+    // Name given to the root element when JSON is read back (empty by default).
+    std::string GetRootElementName() const;
+    // A null pointer sets the empty string.
+    void SetRootElementName(const char* name);
+
+    // Whether the JSON reader accepts /* */ comments (true by default).
+    bool GetAllowComments() const;
+    // The setter of AllowComments; it carries the getter's name on purpose (public interface).
+    void GetAllowComments(bool allow);
+
+private:
+    JsonRoundTrip m_supportRoundtrip;
+    std::string m_rootElementName;
+    bool m_allowComments;
+};
+
+}  // namespace KxXmlLib16
+
+#endif
