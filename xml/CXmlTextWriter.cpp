@@ -1,0 +1,467 @@
+#include "CXmlTextWriter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "CKxException.h"
+
+namespace KxXmlLib16 {
+
+namespace {
+
+const char kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+const char kCDataStart[] = "<![CDATA[";
+constexpr unsigned int kFlushThreshold = 4096;
+// Texts up to this length are gathered with the surrounding markup; longer ones that need no
+// escaping are handed to the stream directly.
+constexpr size_t kLongText = 256;
+
+// The characters escaping replaces or drops. strcspn scans for them (and for the terminating
+// NUL) many bytes at a time.
+const char kElementSpecials[] = "&<>\n\r";
+const char kAttributeSpecials[] = "&<>\"\n\r";
+
+inline bool StartsWith(const std::string& text, const char* prefix, size_t prefixLength) {
+    return text.compare(0, prefixLength, prefix, prefixLength) == 0;
+}
+
+}  // namespace
+
+CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
+    : CXmlWriter("CXmlTextWriter"),
+      m_writeDefaultElementValues(false),
+      m_indentChars("\t"),
+      m_endOfLine("\n"),
+      m_eolType(EOLType_LF),
+      m_format(true),
+      m_stream(stream),
+      m_elementStarted(false),
+      m_markupLength(0),
+      m_markupCapacity(0) {}
+
+CXmlTextWriter::~CXmlTextWriter() = default;
+
+void CXmlTextWriter::Open() {
+    CXmlWriter::Open();
+    m_stream.Open();
+}
+
+void CXmlTextWriter::Close() {
+    m_stream.Close();
+    CXmlWriter::Close();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Markup assembly
+
+inline void CXmlTextWriter::Reserve(size_t extra) {
+    const size_t needed = m_markupLength + extra + 1;  // + 1 for the NUL added by EmitMarkup
+    if (needed > m_markupCapacity) {
+        const size_t capacity = std::max(needed, std::max<size_t>(2 * m_markupCapacity, 256));
+        std::unique_ptr<char[]> grown(new char[capacity]);
+        if (m_markupLength != 0) {
+            std::memcpy(grown.get(), m_markup.get(), m_markupLength);
+        }
+        m_markup = std::move(grown);
+        m_markupCapacity = capacity;
+    }
+}
+
+inline void CXmlTextWriter::Put(char c) {
+    Reserve(1);
+    m_markup[m_markupLength++] = c;
+}
+
+inline void CXmlTextWriter::Put(const char* text, size_t length) {
+    Reserve(length);
+    std::memcpy(m_markup.get() + m_markupLength, text, length);
+    m_markupLength += length;
+}
+
+inline void CXmlTextWriter::Put(const std::string& text) { Put(text.data(), text.size()); }
+
+inline void CXmlTextWriter::PutText(const std::string& text) {
+    Put(text.c_str(), std::strlen(text.c_str()));
+}
+
+void CXmlTextWriter::EmitMarkup() {
+    if (m_markupLength == 0) {
+        return;
+    }
+    m_markup[m_markupLength] = '\0';
+    m_stream.Append(m_markup.get());
+    m_markupLength = 0;
+}
+
+void CXmlTextWriter::FlushIfFull() {
+    if (m_stream.GetLength() >= kFlushThreshold) {
+        m_stream.Flush();
+    }
+}
+
+void CXmlTextWriter::AddIndent(int depth) {
+    if (depth <= 0) {
+        return;
+    }
+    const size_t level = static_cast<size_t>(depth);
+    if (m_indents.empty()) {
+        m_indents.emplace_back();
+    }
+    while (m_indents.size() <= level) {
+        m_indents.push_back(m_indents.back() + m_indentChars);
+    }
+    Put(m_indents[level]);
+}
+
+void CXmlTextWriter::AddQualifiedName(const std::string* prefix, const std::string& name) {
+    if (prefix != nullptr) {
+        Put(*prefix);
+        Put(':');
+    }
+    Put(name);
+}
+
+void CXmlTextWriter::AddNamespaceDeclaration(const std::string& prefix, const std::string& ns) {
+    Put(" xmlns:", 7);
+    Put(prefix);
+    Put("=\"", 2);
+    Put(ns);
+    Put('"');
+}
+
+std::string CXmlTextWriter::BindUniquePrefix(CXmlWriterContext& context,
+                                             const std::string& ns) {
+    std::string prefix = GetUniquePrefix(context.GetNamespaceMap());
+    context.SetNamespaceMapValue(ns, prefix);
+    return prefix;
+}
+
+void CXmlTextWriter::PutEscaped(const char* text, bool inAttribute) {
+    const char* specials = inAttribute ? kAttributeSpecials : kElementSpecials;
+    for (;;) {
+        const size_t run = std::strcspn(text, specials);
+        Put(text, run);
+        text += run;
+        switch (*text) {
+            case '\0':
+                return;
+            case '&':
+                Put("&amp;", 5);
+                break;
+            case '<':
+                Put("&lt;", 4);
+                break;
+            case '>':
+                Put("&gt;", 4);
+                break;
+            case '"':
+                Put("&quot;", 6);
+                break;
+            case '\n':
+                if (inAttribute) {
+                    Put("&#xA;", 5);
+                } else {
+                    Put(m_endOfLine);
+                }
+                break;
+            default:  // '\r' is dropped: line ends are rewritten from the line feed alone
+                break;
+        }
+        ++text;
+    }
+}
+
+void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
+    const char* begin = text.c_str();
+    const size_t plainLength =
+        std::strcspn(begin, inAttribute ? kAttributeSpecials : kElementSpecials);
+    const bool plain = begin[plainLength] == '\0';
+    if (plain && plainLength > kLongText) {
+        // A long text that needs no escaping goes to the stream without a copy.
+        EmitMarkup();
+        m_stream.Append(begin);
+    } else if (plain) {
+        Put(begin, plainLength);
+    } else {
+        PutEscaped(begin, inAttribute);
+    }
+}
+
+void CXmlTextWriter::CloseParentElm() {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context == nullptr) {
+        return;
+    }
+    context->IncrementChildCount();
+    if (context->IsStartTagOpen()) {
+        context->SetStartTagOpen(false);
+        Put('>');
+        if (m_format) {
+            Put(m_endOfLine);
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Document-level output
+
+void CXmlTextWriter::WriteStartDocument() {
+    Put("<?xml version=\"1.0\"", 19);
+    switch (m_stream.GetEncoding()) {
+        case XmlEncoding_UTF8:
+            Put(" encoding=\"UTF-8\"", 17);
+            break;
+        case XmlEncoding_UTF16:
+            Put(" encoding=\"UTF-16\"", 18);
+            break;
+        default:
+            break;
+    }
+    Put("?>", 2);
+    Put(m_endOfLine);
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
+    if (m_elementStarted) {
+        throw CKxException("Headed directives must appear before an Element has been added.");
+    }
+    PutText(text);
+    Put(m_endOfLine);
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WritePI(const std::string& text) {
+    PutText(text);
+    Put(m_endOfLine);
+    Put(m_endOfLine);
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteComment(const std::string& text) {
+    Put("<!--", 4);
+    PadAndAppend(text, false);
+    Put("-->", 3);
+    Put(m_endOfLine);
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
+    Put(' ');
+    Put(m_endOfLine);
+    PutText(text);
+    Put(m_endOfLine);
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteRawElement(const std::string& text) {
+    PutText(text);
+    if (m_format) {
+        Put(m_endOfLine);
+    }
+    EmitMarkup();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Elements, text and attributes
+
+void CXmlTextWriter::WriteStartElement(const std::string& name, const std::string& ns) {
+    CloseParentElm();
+    CXmlWriterContext& context = *PushContext(name, ns);
+    context.SetStartTagOpen(true);
+    m_elementStarted = true;
+
+    if (m_format) {
+        AddIndent(context.GetDepth());
+    }
+    Put('<');
+    if (ns.empty() || ns == context.GetDefaultNamespace()) {
+        Put(name);
+    } else if (const std::string* prefix = context.FindNamespacePrefix(ns)) {
+        AddQualifiedName(prefix, name);
+    } else {
+        const std::string fresh = BindUniquePrefix(context, ns);
+        AddQualifiedName(&fresh, name);
+        AddNamespaceDeclaration(fresh, ns);
+    }
+
+    if (context.GetParent() == nullptr) {
+        // Only the root declares the bindings made on the writer before the document began.
+        const std::string& defaultNamespace = CXmlWriter::GetDefaultNamespace();
+        if (!defaultNamespace.empty()) {
+            Put(" xmlns=\"", 8);
+            Put(defaultNamespace);
+            Put('"');
+        }
+        for (const NamespaceMap::value_type& entry : CXmlWriter::GetNamespaceMap()) {
+            if (!StartsWith(entry.first, XML_NAMESPACE.c_str(), XML_NAMESPACE.size())) {
+                AddNamespaceDeclaration(entry.second, entry.first);
+            }
+        }
+    }
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
+                                 bool isDefaultValue) {
+    // Nothing at all for an empty text, so the element can still end as an empty-element tag.
+    if (text.empty() || (isDefaultValue && !m_writeDefaultElementValues)) {
+        return;
+    }
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context != nullptr && context->IsStartTagOpen()) {
+        Put('>');
+        context->SetStartTagOpen(false);
+    }
+    if (StartsWith(text, kCDataStart, sizeof kCDataStart - 1)) {
+        EmitMarkup();
+        m_stream.Append(text);
+    } else {
+        PadAndAppend(text, false);
+        EmitMarkup();
+    }
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteEndElement() {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context == nullptr) {
+        throw CKxException("There is no open Element to end.");
+    }
+    if (context->IsStartTagOpen()) {
+        Put("/>", 2);
+    } else {
+        if (m_format && context->GetChildCount() > 0) {
+            AddIndent(context->GetDepth());
+        }
+        Put("</", 2);
+        const std::string& ns = context->GetNamespace();
+        const std::string* prefix = nullptr;
+        // The scope may have changed since the start tag; the end tag follows the bindings now
+        // in force.
+        if (!ns.empty() && ns != context->GetDefaultNamespace()) {
+            static const std::string unbound;
+            prefix = context->FindNamespacePrefix(ns);
+            if (prefix == nullptr) {
+                prefix = &unbound;
+            }
+        }
+        AddQualifiedName(prefix, context->GetName());
+        Put('>');
+    }
+    if (m_format) {
+        Put(m_endOfLine);
+    }
+    EmitMarkup();
+    PopContext();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteAttributeString(const std::string& name, const std::string& ns,
+                                          const std::string& value, ItemType /*type*/) {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context == nullptr || !context->IsStartTagOpen()) {
+        throw CKxException("Attributes must be added before elements");
+    }
+    Put(' ');
+    if (!ns.empty()) {
+        const std::string* prefix = context->FindNamespacePrefix(ns);
+        std::string fresh;
+        if (prefix == nullptr) {
+            fresh = BindUniquePrefix(*context, ns);
+            prefix = &fresh;
+            Put("xmlns:", 6);
+            Put(fresh);
+            Put("=\"", 2);
+            Put(ns);
+            Put("\" ", 2);
+        }
+        Put(*prefix);
+        Put(':');
+    }
+    Put(name);
+    Put("=\"", 2);
+    PutEscaped(value.c_str(), true);
+    Put('"');
+    EmitMarkup();
+    FlushIfFull();
+}
+
+void CXmlTextWriter::WriteAttributeType(const std::string& typeName, const std::string& typeNs,
+                                        ItemType type) {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context == nullptr || !context->IsStartTagOpen()) {
+        throw CKxException("Attributes must be added before elements");
+    }
+    std::string value;
+    if (!typeNs.empty() && typeNs != context->GetDefaultNamespace()) {
+        const std::string* prefix = context->FindNamespacePrefix(typeNs);
+        std::string fresh;
+        if (prefix == nullptr) {
+            fresh = BindUniquePrefix(*context, typeNs);
+            prefix = &fresh;
+            // The declaration ends with a space and the attribute starts with one: the two
+            // spaces between them are part of the output format.
+            AddNamespaceDeclaration(fresh, typeNs);
+            Put(' ');
+        }
+        value.reserve(prefix->size() + 1 + typeName.size());
+        value.append(*prefix).append(1, ':').append(typeName);
+    } else {
+        value = typeName;
+    }
+    EmitMarkup();
+    WriteAttributeString("type", kXsiNamespace, value, type);
+}
+
+void CXmlTextWriter::WriteAttributeNil() {
+    CXmlWriterContext* context = GetCurrentContext();
+    if (context == nullptr || !context->IsStartTagOpen()) {
+        throw CKxException("Attributes must be added before elements");
+    }
+    WriteAttributeString("nil", kXsiNamespace, "true", ItemType_boolean);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Settings
+
+bool CXmlTextWriter::GetFormat() const { return m_format; }
+
+void CXmlTextWriter::SetFormat(bool format) { m_format = format; }
+
+EOLType CXmlTextWriter::GetEOLType() const { return m_eolType; }
+
+void CXmlTextWriter::SetEOLType(EOLType type) {
+    switch (type) {
+        case EOLType_CRLF:
+            m_endOfLine = "\r\n";
+            break;
+        case EOLType_LF:
+            m_endOfLine = "\n";
+            break;
+        default:
+            throw CKxException("Invalid EOL type.");
+    }
+    m_eolType = type;
+}
+
+const std::string& CXmlTextWriter::GetIndentChars() const { return m_indentChars; }
+
+void CXmlTextWriter::SetIndentChars(const char* chars) {
+    m_indentChars = chars != nullptr ? chars : "";
+    m_indents.clear();
+}
+
+bool CXmlTextWriter::GetWriteDefaultElementValues() const { return m_writeDefaultElementValues; }
+
+void CXmlTextWriter::SetWriteDefaultElementValues(bool write) {
+    m_writeDefaultElementValues = write;
+}
+
+}  // namespace KxXmlLib16
