@@ -1,0 +1,205 @@
+// Loading XML into the tree, next to expat alone, in one run:
+//   kx_bench_xml_load
+// The document (about 10 MB) comes from the shared generator at benchmark time. The pairs are
+//   XmlLoad/ExpatBare            expat with namespace processing and no handlers
+//   XmlLoad/ExpatTrivial         expat with element and character-data handlers that count
+//   XmlLoad/LoadXmlStream/...    CXmlDocument::LoadXmlStream from memory, the whole tree built
+//                                and freed, with a UTF-8 and with the "C" locale
+// and the ratios of the tree builds to the two expat runs are printed at the end.
+#include <benchmark/benchmark.h>
+#include <expat.h>
+
+#include <clocale>
+#include <cstdio>
+#include <map>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "KxXmlLib16.h"
+
+using namespace KxXmlLib16;
+
+namespace {
+
+const char kGenerator[] = KX_BENCH_GEN_SCRIPT;
+const int kSizeMb = 10;
+
+// The generated document, or empty with `error` set.
+const std::string& Document(std::string& error) {
+    static std::string document;
+    static std::string failure;
+    static bool done = false;
+    if (!done) {
+        done = true;
+        std::FILE* probe = std::fopen(kGenerator, "r");
+        if (probe == nullptr) {
+            failure = std::string("generator not found: ") + kGenerator;
+        } else {
+            std::fclose(probe);
+            const std::string command = "python3 '" + std::string(kGenerator) + "' " +
+                                        std::to_string(kSizeMb) + " 2>/dev/null";
+            if (std::FILE* pipe = popen(command.c_str(), "r")) {
+                char buffer[65536];
+                size_t got;
+                while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+                    document.append(buffer, got);
+                }
+                if (pclose(pipe) != 0) document.clear();
+            }
+            if (document.empty()) failure = "the generator failed: " + command;
+        }
+    }
+    error = failure;
+    return document;
+}
+
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const char* name) : m_saved(std::setlocale(LC_ALL, nullptr)) {
+        m_ok = std::setlocale(LC_ALL, name) != nullptr;
+    }
+    ~ScopedLocale() { std::setlocale(LC_ALL, m_saved.c_str()); }
+    bool Ok() const { return m_ok; }
+
+private:
+    std::string m_saved;
+    bool m_ok;
+};
+
+struct Counts {
+    long elements = 0;
+    long attributes = 0;
+    long textBytes = 0;
+};
+
+void XMLCALL CountStart(void* data, const XML_Char*, const XML_Char** attributes) {
+    Counts* counts = static_cast<Counts*>(data);
+    ++counts->elements;
+    for (const XML_Char** a = attributes; *a != nullptr; a += 2) ++counts->attributes;
+}
+
+void XMLCALL CountEnd(void*, const XML_Char*) {}
+
+void XMLCALL CountText(void* data, const XML_Char*, int length) {
+    static_cast<Counts*>(data)->textBytes += length;
+}
+
+bool ParseWithExpat(const std::string& xml, bool handlers, Counts& counts) {
+    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
+    if (handlers) {
+        XML_SetUserData(parser, &counts);
+        XML_SetElementHandler(parser, CountStart, CountEnd);
+        XML_SetCharacterDataHandler(parser, CountText);
+    }
+    const bool ok = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return ok;
+}
+
+void RunExpat(benchmark::State& state, bool handlers) {
+    std::string error;
+    const std::string& xml = Document(error);
+    if (xml.empty()) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    for (auto _ : state) {
+        Counts counts;
+        if (!ParseWithExpat(xml, handlers, counts)) {
+            state.SkipWithError("expat rejected the document");
+            return;
+        }
+        benchmark::DoNotOptimize(counts);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
+                            static_cast<int64_t>(xml.size()));
+}
+
+void BM_ExpatBare(benchmark::State& state) { RunExpat(state, false); }
+
+void BM_ExpatTrivial(benchmark::State& state) { RunExpat(state, true); }
+
+void RunLoad(benchmark::State& state, const char* locale) {
+    std::string error;
+    const std::string& xml = Document(error);
+    if (xml.empty()) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    ScopedLocale scoped(locale);
+    if (!scoped.Ok()) {
+        state.SkipWithError("locale not available");
+        return;
+    }
+    for (auto _ : state) {
+        CXmlDocument document;
+        document.LoadXmlStream(reinterpret_cast<const unsigned char*>(xml.data()),
+                               static_cast<unsigned long>(xml.size()));
+        benchmark::DoNotOptimize(document.GetDocumentElement());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
+                            static_cast<int64_t>(xml.size()));
+}
+
+void BM_LoadXmlStreamUtf8Locale(benchmark::State& state) { RunLoad(state, "C.UTF-8"); }
+
+void BM_LoadXmlStreamCLocale(benchmark::State& state) { RunLoad(state, "C"); }
+
+BENCHMARK(BM_ExpatBare)->Name("XmlLoad/ExpatBare")->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExpatTrivial)->Name("XmlLoad/ExpatTrivial")->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LoadXmlStreamUtf8Locale)
+    ->Name("XmlLoad/LoadXmlStream/Utf8Locale")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LoadXmlStreamCLocale)
+    ->Name("XmlLoad/LoadXmlStream/CLocale")
+    ->Unit(benchmark::kMillisecond);
+
+// The console output, then the ratio (in CPU time) of each tree build to each expat run.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        ConsoleReporter::ReportRuns(runs);
+        // With repetitions the mean stands for the benchmark; otherwise its one run does.
+        for (const Run& run : runs) {
+            if (run.error_occurred) continue;
+            const std::string name = run.run_name.str();
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean") {
+                m_times[name] = run.GetAdjustedCPUTime();
+                m_fromMean.insert(name);
+            } else if (run.run_type == Run::RT_Iteration && m_fromMean.count(name) == 0) {
+                m_times[name] = run.GetAdjustedCPUTime();
+            }
+        }
+    }
+
+    void Finalize() override {
+        ConsoleReporter::Finalize();
+        const char* const baselines[] = {"XmlLoad/ExpatBare", "XmlLoad/ExpatTrivial"};
+        for (const auto& entry : m_times) {
+            if (entry.first.find("LoadXmlStream") == std::string::npos) continue;
+            for (const char* baseline : baselines) {
+                const auto found = m_times.find(baseline);
+                if (found == m_times.end() || found->second <= 0) continue;
+                GetOutputStream() << entry.first << " / " << baseline << " = "
+                                  << entry.second / found->second << "\n";
+            }
+        }
+    }
+
+private:
+    std::map<std::string, double> m_times;
+    std::set<std::string> m_fromMean;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}

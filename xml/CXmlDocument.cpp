@@ -1,0 +1,372 @@
+// The XML document: loading entry points, the builder operations the readers call, and the
+// prefix map.
+#include "CXmlDocument.h"
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "CKxException.h"
+#include "CKxZip.h"
+#include "CSerializationContext.h"
+#include "FormatString.h"
+#include "fastinfoset/CFastInfosetReader.h"
+#include "xml/CExpatReader.h"
+#include "xml/CXmlNodePool.h"
+
+namespace KxXmlLib16 {
+
+namespace {
+
+const std::string& EmptyString() {
+    static const std::string empty;
+    return empty;
+}
+
+std::string_view ViewOf(const char* text) {
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+// "<message start>[path] Error [<n>]": the stream's error indicator goes in as a number, never
+// through a printf conversion.
+std::string FileErrorMessage(const char* what, const char* path, int error) {
+    return FormatString("%s [%s] Error [", what, path) + std::to_string(error) + "]";
+}
+
+// Closes the file before the exception leaves, as callers expect.
+[[noreturn]] void ThrowFileError(std::FILE* file, const char* what, const char* path) {
+    const std::string message = FileErrorMessage(what, path, std::ferror(file));
+    std::fclose(file);
+    throw CKxException(message);
+}
+
+std::unique_ptr<unsigned char[]> CopyBytes(const unsigned char* data, unsigned long length) {
+    std::unique_ptr<unsigned char[]> copy(new unsigned char[length]);
+    std::memcpy(copy.get(), data, length);
+    return copy;
+}
+
+// A wide text as UTF-16 little-endian bytes after the mark FF FE: the low 16 bits of each
+// character.
+std::unique_ptr<unsigned char[]> ToUtf16Le(const wchar_t* text, size_t count,
+                                           unsigned long& length) {
+    length = static_cast<unsigned long>(2 * (count + 1));
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[length]);
+    bytes[0] = 0xFF;
+    bytes[1] = 0xFE;
+    for (size_t i = 0; i < count; ++i) {
+        const unsigned long unit = static_cast<unsigned long>(text[i]) & 0xFFFF;
+        bytes[2 + 2 * i] = static_cast<unsigned char>(unit & 0xFF);
+        bytes[3 + 2 * i] = static_cast<unsigned char>(unit >> 8);
+    }
+    return bytes;
+}
+
+[[noreturn]] void ThrowJsonNotSupported() { throw CKxException("JSON input is not supported yet"); }
+
+}  // namespace
+
+CXmlDocument::CXmlDocument()
+    : CXmlDocument(ElementFilter(), CSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(const CSerializationContext& context)
+    : CXmlDocument(ElementFilter(), context) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter)
+    : CXmlDocument(std::move(filter), CSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter, const CSerializationContext& context)
+    : CInstanceMonitor("CXmlDocument"),
+      m_pool(nullptr),
+      m_input(nullptr),
+      m_inputLength(0),
+      m_schemaType(SchemaType_Default),
+      m_filter(std::move(filter)),
+      m_context(&context) {
+    Init();
+}
+
+CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
+
+void CXmlDocument::Init() {
+    m_documentElement.reset();
+    ReleaseInput();
+    m_schemaType = m_context->GetSchemaType();
+}
+
+void CXmlDocument::Cleanup() {
+    m_elementStack.clear();
+    m_documentElement.reset();
+    // Elements the caller detached and still holds keep the pool alive until deleted.
+    if (m_pool != nullptr) {
+        m_pool->Release();
+        m_pool = nullptr;
+    }
+    m_prefixMap.clear();
+    m_namespaces.clear();
+    ReleaseInput();
+}
+
+void CXmlDocument::LoadXml(const char* text) {
+    Cleanup();
+    if (text == nullptr || *text == '\0') throw CKxException("XML String is empty!");
+    BorrowInput(reinterpret_cast<const unsigned char*>(text),
+                static_cast<unsigned long>(std::strlen(text)));
+    ParseText();
+}
+
+void CXmlDocument::LoadXml(const wchar_t* text) {
+    Cleanup();
+    if (text == nullptr || *text == L'\0') throw CKxException("XML String is empty!");
+    unsigned long length = 0;
+    std::unique_ptr<unsigned char[]> bytes = ToUtf16Le(text, std::wcslen(text), length);
+    SetInput(bytes.release(), length);
+    ParseText();
+}
+
+void CXmlDocument::Load(const char* path) {
+    Cleanup();
+    ReadFile(path);
+    Parse();
+}
+
+void CXmlDocument::LoadXmlStream(const unsigned char* data, unsigned long length) {
+    Cleanup();
+    if (data == nullptr || length == 0) throw CKxException("XML Stream is empty!");
+    BorrowInput(data, length);
+    Parse();
+}
+
+void CXmlDocument::LoadJson(const char* text) {
+    Cleanup();
+    if (text == nullptr || *text == '\0') throw CKxException("JSON String is empty!");
+    ThrowJsonNotSupported();
+}
+
+void CXmlDocument::LoadJson(const wchar_t* text) {
+    Cleanup();
+    if (text == nullptr || *text == L'\0') throw CKxException("JSON String is empty!");
+    ThrowJsonNotSupported();
+}
+
+void CXmlDocument::LoadJsonFile(const char* path) {
+    Cleanup();
+    ReadFile(path);
+    ReleaseInput();
+    ThrowJsonNotSupported();
+}
+
+void CXmlDocument::LoadJsonStream(const unsigned char* data, unsigned long length) {
+    Cleanup();
+    if (data == nullptr || length == 0) throw CKxException("JSON Stream is empty!");
+    ThrowJsonNotSupported();
+}
+
+CXmlElement* CXmlDocument::GetDocumentElement() const { return m_documentElement.get(); }
+
+const std::string& CXmlDocument::LookupNamespaceFromAlias(const char* prefix) const {
+    const auto found = m_prefixMap.find(ViewOf(prefix));
+    return found == m_prefixMap.end() ? EmptyString() : found->second;
+}
+
+const std::string& CXmlDocument::LookupAliasFromNamespace(const char* ns) const {
+    const std::string_view wanted = ViewOf(ns);
+    for (const auto& binding : m_prefixMap) {
+        if (binding.second == wanted) return binding.first;
+    }
+    return EmptyString();
+}
+
+const CXmlDocument::PrefixMap& CXmlDocument::GetPrefixMap() const { return m_prefixMap; }
+
+const CSerializationContext& CXmlDocument::GetContext() const { return *m_context; }
+
+SchemaType CXmlDocument::GetSchemaType() const { return m_schemaType; }
+
+CXmlElement* CXmlDocument::AddDocElement(const char* ns, const char* name) {
+    return AddDocElement(ViewOf(ns), ViewOf(name));
+}
+
+CXmlElement* CXmlDocument::AddDocElement(std::string_view ns, std::string_view name) {
+    if (m_documentElement) {
+        throw CKxInvalidStateException("The document already has a document element.");
+    }
+    if (m_pool == nullptr) m_pool = CXmlNodePool::Create();
+    std::unique_ptr<CXmlElement> root(new (m_pool) CXmlElement(this, nullptr));
+    root->SetNamespace(ns);
+    root->SetElementName(name);
+    m_elementStack.reserve(16);
+    m_elementStack.push_back(root.get());
+    m_documentElement = std::move(root);
+    return m_documentElement.get();
+}
+
+CXmlElement* CXmlDocument::AddChildElement(const char* ns, const char* name) {
+    return AddChildElement(ViewOf(ns), ViewOf(name));
+}
+
+CXmlElement* CXmlDocument::AddChildElement(std::string_view ns, std::string_view name) {
+    if (m_elementStack.empty()) {
+        throw CKxInvalidStateException("There is no open element to add a child element to.");
+    }
+    // Room on the stack first, so that a failure cannot leave a child that is not open.
+    if (m_elementStack.size() == m_elementStack.capacity()) {
+        m_elementStack.reserve(2 * m_elementStack.capacity());
+    }
+    CXmlElement* child = m_elementStack.back()->CreateNewChildElement();
+    child->SetNamespace(ns);
+    child->SetElementName(name);
+    m_elementStack.push_back(child);
+    return child;
+}
+
+CXmlAttribute* CXmlDocument::AddElementAttribute(CXmlElement* element, const char* name,
+                                                 const char* value, const char* ns) {
+    return AddElementAttribute(element, ViewOf(name), ViewOf(value), ViewOf(ns));
+}
+
+CXmlAttribute* CXmlDocument::AddElementAttribute(CXmlElement* element, std::string_view name,
+                                                 std::string_view value, std::string_view ns) {
+    if (element == nullptr) return nullptr;
+    return element->AddAttribute(name, value, ns);
+}
+
+void CXmlDocument::AddNamespaceBinding(std::string_view prefix, std::string_view ns) {
+    const auto found = m_prefixMap.find(prefix);
+    if (found != m_prefixMap.end()) {
+        found->second.assign(ns);
+    } else {
+        m_prefixMap.emplace(std::string(prefix), std::string(ns));
+    }
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text, size_t length) {
+    if (element == nullptr || text == nullptr) return;
+    const void* nul = std::memchr(text, '\0', length);
+    AppendWithoutCR(
+        element, text,
+        nul == nullptr ? length : static_cast<size_t>(static_cast<const char*>(nul) - text));
+}
+
+void CXmlDocument::AppendWithoutCR(CXmlElement* element, const char* text, size_t length) {
+    // Copy the runs between carriage returns, dropping each CR.
+    const char* run = text;
+    const char* const end = text + length;
+    while (run < end) {
+        const void* cr = std::memchr(run, '\r', static_cast<size_t>(end - run));
+        const char* const runEnd = cr == nullptr ? end : static_cast<const char*>(cr);
+        if (runEnd > run) {
+            element->AppendText(std::string_view(run, static_cast<size_t>(runEnd - run)));
+        }
+        run = runEnd + 1;
+    }
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text) {
+    if (text != nullptr) AppendTextExcludingCR(element, text, std::strlen(text));
+}
+
+void CXmlDocument::EndElement() {
+    if (m_elementStack.empty()) return;
+    CXmlElement* const element = m_elementStack.back();
+    m_elementStack.pop_back();
+    if (!m_filter || !m_filter(element)) return;
+    // Dropped elements give their memory back to the pool, keeping memory flat.
+    CXmlElement* const dropped = m_elementStack.empty()
+                                     ? m_documentElement.release()
+                                     : m_elementStack.back()->RemoveLastChildElement();
+    CXmlElement::DeleteTree(dropped, false, m_pool);
+}
+
+CXmlElement* CXmlDocument::GetCurrentElement() const {
+    return m_elementStack.empty() ? nullptr : m_elementStack.back();
+}
+
+void CXmlDocument::SetInput(unsigned char* data, unsigned long length) {
+    m_ownedInput.reset(data);
+    m_input = data;
+    m_inputLength = length;
+}
+
+void CXmlDocument::BorrowInput(const unsigned char* data, unsigned long length) {
+    m_ownedInput.reset();
+    m_input = data;
+    m_inputLength = length;
+}
+
+void CXmlDocument::ReleaseInput() {
+    m_ownedInput.reset();
+    m_input = nullptr;
+    m_inputLength = 0;
+}
+
+std::shared_ptr<const std::string> CXmlDocument::ShareNamespace(std::string_view ns) {
+    // Documents use a handful of namespaces: a short list, searched from the latest.
+    const size_t kMaxShared = 32;
+    for (auto it = m_namespaces.rbegin(); it != m_namespaces.rend(); ++it) {
+        if (**it == ns) return *it;
+    }
+    std::shared_ptr<const std::string> shared = std::make_shared<const std::string>(ns);
+    if (m_namespaces.size() < kMaxShared) m_namespaces.push_back(shared);
+    return shared;
+}
+
+void CXmlDocument::ReadFile(const char* path) {
+    const char* const name = path == nullptr ? "" : path;
+    std::FILE* file = std::fopen(name, "rt");
+    if (file == nullptr) throw CKxException(FormatString("Failed to open the file [%s].", name));
+    // Only a regular file has a length to read up to (a directory opens, but has none).
+    struct stat status;
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
+        ThrowFileError(file, "Failed to get the size of the file", name);
+    }
+    const unsigned long length = static_cast<unsigned long>(status.st_size);
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[length == 0 ? 1 : length]);
+    const size_t read = std::fread(bytes.get(), 1, length, file);
+    if (read == 0 || read < length) {
+        ThrowFileError(file, "Failed to read the contents of the file", name);
+    }
+    std::fclose(file);
+    SetInput(bytes.release(), length);
+}
+
+void CXmlDocument::Parse() {
+    // The input is dropped once the tree is built (or the parse failed).
+    struct InputRelease {
+        CXmlDocument& document;
+        ~InputRelease() { document.ReleaseInput(); }
+    } release{*this};
+
+    if (CKxZip::IsCompressed(m_input, m_inputLength)) {
+        // Decompression replaces an array-new buffer: borrowed bytes are copied first.
+        if (!m_ownedInput) SetInput(CopyBytes(m_input, m_inputLength).release(), m_inputLength);
+        unsigned char* data = m_ownedInput.get();
+        unsigned long length = m_inputLength;
+        CKxZip::Decompress(&data, &length);
+        if (data != m_ownedInput.get()) {
+            // Decompress has freed the old bytes already.
+            m_ownedInput.release();
+            SetInput(data, length);
+        }
+    }
+    // The Fast Infoset settings are created on first use: only ask for them for Fast Infoset.
+    if (CFastInfosetReader::HasHeader(m_input, m_inputLength) &&
+        CFastInfosetReader::Parse(m_input, m_inputLength, *this, *m_context->GetFIContext())) {
+        return;
+    }
+    ParseText();
+}
+
+void CXmlDocument::ParseText() {
+    struct InputRelease {
+        CXmlDocument& document;
+        ~InputRelease() { document.ReleaseInput(); }
+    } release{*this};
+    CExpatReader reader(*this);
+    reader.CreateParser();
+    reader.Parse(true);
+}
+
+}  // namespace KxXmlLib16
