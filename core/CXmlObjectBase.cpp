@@ -1,6 +1,107 @@
 #include "CXmlObjectBase.h"
 
+#include <atomic>
+#include <utility>
+
+#include "CFileBinaryStream.h"
+#include "CFileTextStream.h"
+#include "CKxException.h"
+#include "CKxZip.h"
+#include "CTextStream.h"
+#include "CXmlDocument.h"
+#include "CXmlElement.h"
+#include "CXmlObjectHelper.h"
+#include "CXmlTextWriter.h"
+#include "FormatString.h"
+#include "INillable.h"
+
 namespace KxXmlLib16 {
+
+// The interfaces' destructors live here so that their type information is emitted once, in the
+// library, and dynamic_cast to them works across the library boundary.
+IEventSink::~IEventSink() = default;
+INillable::~INillable() = default;
+
+namespace {
+
+std::atomic<bool> g_asyncToXmlFile{false};
+
+std::string Str(const char* text) {
+    return text ? std::string(text) : std::string();
+}
+
+void RefuseZlibForFiles(CompressionType compression) {
+    if (compression == CompressionType_ZLib) {
+        throw CKxException("ZLIB Compression only available for To Stream methods.");
+    }
+}
+
+// Opens the writer and applies the options every XML output shares.
+void SetUpWriter(CXmlTextWriter& writer, bool formatted, EOLType eol,
+                 const CSerializationContext& ctx) {
+    writer.Open();
+    writer.SetFormat(formatted);
+    writer.SetIndentChars(ctx.GetIndentChars().c_str());
+    writer.SetEOLType(eol);
+    writer.SetWriteDefaultElementValues(ctx.GetWriteDefaultElementValues());
+}
+
+// Writes the whole document of `object` into `stream` (which the writer opens and closes).
+void WriteXmlDocument(const CXmlObjectBase& object, CTextStream& stream, bool includeHeader,
+                      bool formatted, EOLType eol, const CSerializationContext& ctx) {
+    CXmlTextWriter writer(stream);
+    SetUpWriter(writer, formatted, eol, ctx);
+    if (includeHeader) writer.WriteStartDocument();
+    const std::string ns = object.GetNamespace();
+    object.ToXml_Int(&writer, true, ns.c_str(), ctx, false);
+    writer.Close();
+}
+
+// A text stream that hands its text to a std::string at every flush (the writer flushes each
+// 4096 characters), so a large document is never held as a chain of blocks that must be joined
+// and copied at the end.
+class CStringTextStream : public CTextStream {
+public:
+    CStringTextStream() : CTextStream("CStringTextStream", XmlEncoding_UTF8) {}
+    void Open() override {
+        CTextStream::Open();
+        m_text.clear();
+    }
+    void Close() override { Flush(); }
+    void Flush() override {
+        if (m_buffer.GetLength() == 0) return;
+        m_text.append(m_buffer.GetText(), m_buffer.GetLength());
+        m_buffer.Empty();
+    }
+    std::string TakeText() {
+        Flush();
+        return std::move(m_text);
+    }
+
+private:
+    std::string m_text;
+};
+
+void ThrowAlreadySet(const char* format, const std::string& current) {
+    throw CKxInvalidStateException(FormatString(format, current.c_str()));
+}
+
+const char* const kAlreadySetBracketed =
+    "The Property [%s] is already set. Only one element within this class bay be set at a time";
+const char* const kAlreadySetPlain =
+    "The Property %s is already set. Only one element within this class bay be set at a time";
+
+}  // namespace
+
+void AsyncToXmlFile(bool on) {
+    g_asyncToXmlFile.store(on);
+}
+bool GetAsyncToXmlFile() {
+    return g_asyncToXmlFile.load();
+}
+void AsyncFromXmlFile(bool) {}
+
+// ---- Construction and reference count ----------------------------------------------------
 
 CXmlObjectBase::CXmlObjectBase() : m_refCount(0) {}
 
@@ -13,6 +114,8 @@ CXmlObjectBase& CXmlObjectBase::operator=(const CXmlObjectBase& other) {
 }
 
 CXmlObjectBase::~CXmlObjectBase() = default;
+
+void CXmlObjectBase::OnEvent(CXmlObjectBase*, IEventSink::MsgType, void*) {}
 
 long long CXmlObjectBase::AddRef() {
     CKXLock lock(m_refLock);
@@ -35,8 +138,291 @@ long long CXmlObjectBase::GetRefCount() const {
     return m_refCount;
 }
 
-const std::string& CXmlObjectBase::GetElementName() const { return m_elementName; }
+const std::string& CXmlObjectBase::GetElementName() const {
+    return m_elementName;
+}
 
-void CXmlObjectBase::SetElementName(const char* name) { m_elementName = name ? name : ""; }
+void CXmlObjectBase::SetElementName(const char* name) {
+    m_elementName = name ? name : "";
+}
+
+CXmlObjectBase* CXmlObjectBase::GetBase() {
+    return this;
+}
+const CXmlObjectBase* CXmlObjectBase::GetBase() const {
+    return this;
+}
+
+// ---- Writing -----------------------------------------------------------------------------
+
+void CXmlObjectBase::ToXmlFile(const char* path, bool includeHeader, bool formatted,
+                               XmlEncoding encoding, EOLType eol, const CSerializationContext& ctx,
+                               CompressionType compression) const {
+    RefuseZlibForFiles(compression);
+    if (GetAsyncToXmlFile() && compression == CompressionType_None) {
+        CFileTextStream stream(path, encoding);
+        WriteXmlDocument(*this, stream, includeHeader, formatted, eol, ctx);
+        return;
+    }
+    const CBinaryData bytes =
+        ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
+    // The byte-order mark belongs to uncompressed text only: in front of compressed bytes it
+    // would keep every reader from recognising the compression.
+    const XmlEncoding fileEncoding =
+        compression == CompressionType_None ? encoding : XmlEncoding_UTF8;
+    CFileBinaryStream(path, fileEncoding, bytes).ToFile();
+}
+
+void CXmlObjectBase::ToFastInfosetFile(const char*, FInfoDecl, const CSerializationContext&,
+                                       CompressionType compression) const {
+    RefuseZlibForFiles(compression);
+    throw CKxException("Fast Infoset output is not supported yet");
+}
+
+void CXmlObjectBase::ToJsonFile(const char*, bool, XmlEncoding, EOLType,
+                                const CSerializationContext&, CompressionType compression) const {
+    RefuseZlibForFiles(compression);
+    throw CKxException("JSON output is not supported yet");
+}
+
+std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
+                                  const CSerializationContext& ctx) const {
+    CStringTextStream stream;
+    WriteXmlDocument(*this, stream, includeHeader, formatted, eol, ctx);
+    return stream.TakeText();
+}
+
+std::string CXmlObjectBase::ToJson(bool, EOLType, const CSerializationContext&) const {
+    throw CKxException("JSON output is not supported yet");
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding,
+                                        EOLType eol, const CSerializationContext& ctx,
+                                        CompressionType compression) const {
+    CTextStream stream(encoding);
+    WriteXmlDocument(*this, stream, includeHeader, formatted, eol, ctx);
+    CBinaryData bytes = stream.GetEncodedStream();
+    if (compression != CompressionType_None) CKxZip::CompressData(bytes, compression);
+    return bytes;
+}
+
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, const CSerializationContext&,
+                                                CompressionType) const {
+    throw CKxException("Fast Infoset output is not supported yet");
+}
+
+CBinaryData CXmlObjectBase::ToJsonStream(bool, XmlEncoding, EOLType, const CSerializationContext&,
+                                         CompressionType) const {
+    throw CKxException("JSON output is not supported yet");
+}
+
+// ---- Reading -----------------------------------------------------------------------------
+//
+// Each document lives on the stack, so it is freed however the read ends.
+
+void CXmlObjectBase::ReadElement(const CXmlElement* element, const CSerializationContext& ctx) {
+    if (!element) throw CKxInvalidParamException("The element to read from is NULL");
+    // The engine treats the tree as read-only; the hook takes a plain pointer all the same.
+    CXmlElement* root = const_cast<CXmlElement*>(element);
+    FromXml_Int(root, root->GetFirstElement(), ctx, false);
+}
+
+void CXmlObjectBase::FromXmlFile(const char* path, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.Load(path);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromJsonFile(const char* path, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadJsonFile(path);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXml(const char* text, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXml(text);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXml(const wchar_t* text, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXml(text);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromJson(const char* text, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadJson(text);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromJson(const wchar_t* text, const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadJson(text);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(const unsigned char* data, unsigned long length,
+                                   const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadXmlStream(data, length);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CSerializationContext& ctx) {
+    FromXmlStream(data.GetData(), data.GetLength(), ctx);
+}
+
+void CXmlObjectBase::FromJsonStream(const unsigned char* data, unsigned long length,
+                                    const CSerializationContext& ctx) {
+    CXmlDocument document(ctx);
+    document.LoadJsonStream(data, length);
+    ReadElement(document.GetDocumentElement(), ctx);
+}
+
+void CXmlObjectBase::FromJsonStream(const CBinaryData& data, const CSerializationContext& ctx) {
+    FromJsonStream(data.GetData(), data.GetLength(), ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializationContext& ctx) {
+    ReadElement(element, ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(const CElement*, const CSerializationContext&) {
+    throw CKxException("Reading from a CElement is not supported yet");
+}
+
+// ---- Hooks and forwarders ----------------------------------------------------------------
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, const CSerializationContext&) const {}
+
+void CXmlObjectBase::ToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer, bool isRoot,
+                               const char* ns, const CSerializationContext& ctx, bool isNested) {
+    object->ToXml_Int(writer, isRoot, ns, ctx, isNested);
+}
+
+CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* element,
+                                         CXmlElement* firstChild,
+                                         const CSerializationContext& ctx) {
+    return object->FromXml_Int(element, firstChild, ctx, false);
+}
+
+void CXmlObjectBase::AttributesToXml_Int(const CXmlObjectBase* object, CXmlWriter* writer,
+                                         const CSerializationContext& ctx) {
+    object->AttributesToXml_Int(writer, ctx);
+}
+
+// ---- Collection events -------------------------------------------------------------------
+
+void CXmlObjectBase::FireOnCollectionChangeEvent(IEventSink* sink, CXmlObjectBase* collection) {
+    if (sink) sink->OnEvent(collection, IEventSink::MsgType_CollectionChange, nullptr);
+}
+
+void CXmlObjectBase::FireOnCollectionAddEvent(IEventSink* sink, CXmlObjectBase* collection,
+                                              void* item) {
+    if (sink) sink->OnEvent(collection, IEventSink::MsgType_CollectionAdd, item);
+}
+
+void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlObjectBase* collection,
+                                                      void* item) {
+    if (sink) sink->OnEvent(collection, IEventSink::MsgType_CollectionAddComplete, item);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveEvent(IEventSink* sink, CXmlObjectBase* collection,
+                                                 int index) {
+    if (sink) sink->OnEvent(collection, IEventSink::MsgType_CollectionRemove, &index);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink,
+                                                         CXmlObjectBase* collection, int index) {
+    if (sink) sink->OnEvent(collection, IEventSink::MsgType_CollectionRemoveComplete, &index);
+}
+
+// ---- Choice bookkeeping ------------------------------------------------------------------
+
+void CXmlObjectBase::Choice_SelectElement(const char* name, const void* value,
+                                          std::string& current) {
+    const std::string branch = Str(name);
+    if (current == branch) {
+        if (!value) current.clear();
+    } else if (current.empty()) {
+        current = branch;
+    } else if (value) {
+        ThrowAlreadySet(kAlreadySetBracketed, current);
+    }
+}
+
+void CXmlObjectBase::Choice_SetElementValid(bool valid, const char* name, std::string& current) {
+    if (!valid) {
+        current.clear();
+        return;
+    }
+    const std::string branch = Str(name);
+    if (current.empty()) {
+        current = branch;
+    } else if (current != branch) {
+        ThrowAlreadySet(kAlreadySetPlain, current);
+    }
+}
+
+void CXmlObjectBase::Choice_CollectionChanged(const char* name, int count, std::string& current) {
+    const std::string branch = Str(name);
+    if (current == branch) {
+        if (count == 0) current.clear();
+    } else if (current.empty()) {
+        if (count > 0) current = branch;
+    } else if (count != 0) {
+        ThrowAlreadySet(kAlreadySetBracketed, current);
+    }
+}
+
+void CXmlObjectBase::Choice_Read_Collection(const char* name, int count, std::string& current) {
+    const std::string branch = Str(name);
+    if (count > 0) {
+        current = branch;
+    } else if (current == branch) {
+        current.clear();
+    }
+}
+
+// ---- Checks ------------------------------------------------------------------------------
+
+void CXmlObjectBase::Throw_IfPropertyIsNull(const void* value, const char* name) {
+    if (!value) {
+        throw CKxInvalidParamException(
+            FormatString("The Property [%s] is mandatory, it may node be NULL", Str(name).c_str()));
+    }
+}
+
+void CXmlObjectBase::Throw_IfElementNameDiffers(const CXmlObjectBase* value, const char* name) {
+    const std::string required = Str(name);
+    if (value && value->GetElementName() != required) {
+        throw CKxInvalidParamException(FormatString(
+            "This property requires an element with the name %s the element being set has the "
+            "element name %s",
+            required.c_str(), value->GetElementName().c_str()));
+    }
+}
+
+// ---- Namespace tests ---------------------------------------------------------------------
+
+bool CXmlObjectBase::TestNamespace(const char* namespaceUri, const char* constraint,
+                                   const char* targetNamespace) {
+    return CXmlObjectHelper::TestNamespace(Str(namespaceUri), Str(constraint),
+                                           Str(targetNamespace));
+}
+
+bool CXmlObjectBase::IsNamespaceValid(const char* namespaceUri, const char* constraint,
+                                      const char* targetNamespace) {
+    return CXmlObjectHelper::IsNamespaceValid(Str(namespaceUri), Str(constraint),
+                                              Str(targetNamespace));
+}
+
+bool CXmlObjectBase::DoesElementNameMatch(const CSerializationContext& ctx,
+                                          const CXmlElement* element, const char* name,
+                                          const char* namespaceUri) {
+    return CXmlObjectHelper::DoesElementNameMatch(ctx, element, Str(name), Str(namespaceUri));
+}
 
 }  // namespace KxXmlLib16

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstring>
 #include <cwchar>
+#include <langinfo.h>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -64,6 +65,26 @@ std::vector<wchar_t> DecodeLocalCodePage(const char* text) {
     }
     wide.resize(count);
     return wide;
+}
+
+// True when decoding `text` in the current locale and encoding it as UTF-8 gives the same bytes:
+// ASCII text in any locale (every locale's charset is ASCII-compatible), and valid UTF-8 when
+// the locale's charset is UTF-8. Lets the common cases skip the per-character conversion.
+bool IsUnchangedByUtf8RoundTrip(const char* text, size_t length) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+    const unsigned char* const end = p + length;
+    while (p != end && *p < 0x80) ++p;
+    if (p == end) return true;
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) return false;
+    while (p != end) {
+        if (*p < 0x80) {
+            ++p;
+            continue;
+        }
+        if (!IsLegalUTF8Sequence(p, end)) return false;
+        p += *p >= 0xF0 ? 4 : *p >= 0xE0 ? 3 : 2;
+    }
+    return true;
 }
 
 CBinaryData WideToUtf8(const wchar_t* text, size_t count) {
@@ -163,6 +184,8 @@ CBinaryData CEncoder::LocalCodePageToUnicodeBinary(const char* text) {
 
 CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* text) {
     if (IsASCIIOnly()) return CBinaryData(text);
+    if (text != nullptr && IsUnchangedByUtf8RoundTrip(text, std::strlen(text)))
+        return CBinaryData(text);
     const std::vector<wchar_t> wide = DecodeLocalCodePage(text);
     return WideToUtf8(wide.data(), wide.size());
 }

@@ -2,7 +2,7 @@
 # Installs, with apt-get, the Debian packages the build and the tests need, only those missing.
 set -euo pipefail
 
-packages=(cmake make g++ pkg-config ccache python3
+packages=(cmake make g++ clang libclang-rt-14-dev pkg-config ccache python3
           libexpat1-dev zlib1g-dev libpcre2-dev
           libgtest-dev libgmock-dev libbenchmark-dev)
 

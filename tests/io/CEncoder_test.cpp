@@ -61,6 +61,9 @@ TEST(CEncoder, UnrepresentableCharactersBecomeQuestionMarks) {
     EXPECT_EQ("h?llo ?", CEncoder::Utf8ToLocalCodePage("h\xC3\xA9llo \xE2\x82\xAC"));
     const unsigned char bytes[] = {'a', 0xF0, 0x9F, 0x98, 0x80, 'b', 'c'};
     EXPECT_EQ("a?b", CEncoder::Utf8ToLocalCodePage(bytes, 6));
+    // Valid UTF-8 is not passed through unless the locale's charset is UTF-8.
+    EXPECT_EQ("h??", Text(CEncoder::LocalCodePageToUtf8Binary("h\xC3\xA9")));
+    EXPECT_EQ("plain", Text(CEncoder::LocalCodePageToUtf8Binary("plain")));
 }
 
 TEST(CEncoder, LocalCodePageDecodingReplacesInvalidBytesAndContinues) {

@@ -29,6 +29,23 @@ void ExpectKxError(Fn&& fn, const std::string& message) {
     ADD_FAILURE() << "nothing was thrown; expected: " << message;
 }
 
+// Implements the serialisation hooks of a bindable object as no-ops, for test objects that only
+// need to exist (reference counts, variants): class Counted : public KxTest::Inert<CXmlObjectBase>.
+template <typename Base>
+class Inert : public Base {
+public:
+    using Base::Base;
+    std::string GetNamespace() const override { return std::string(); }
+    std::string GetTargetNamespace() const override { return std::string(); }
+    void ToXml_Int(KxXmlLib16::CXmlWriter*, bool, const char*,
+                   const KxXmlLib16::CSerializationContext&, bool) const override {}
+    KxXmlLib16::CXmlElement* FromXml_Int(KxXmlLib16::CXmlElement*, KxXmlLib16::CXmlElement*,
+                                         const KxXmlLib16::CSerializationContext&,
+                                         bool) override {
+        return nullptr;
+    }
+};
+
 // Decimal text of a 128-bit integer, the reference for big-number arithmetic checks.
 inline std::string Int128ToString(__int128 value) {
     if (value == 0) return "0";

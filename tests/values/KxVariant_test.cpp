@@ -379,7 +379,7 @@ TEST(KxVariant, BadTagsThrowTheirMessages) {
 }
 
 // Count their destructions, so a test sees an object die exactly once.
-class CountingObject : public CXmlObjectBase {
+class CountingObject : public KxTest::Inert<CXmlObjectBase> {
 public:
     explicit CountingObject(int& destroyed) : m_destroyed(destroyed) {}
     ~CountingObject() override { ++m_destroyed; }
@@ -389,7 +389,7 @@ private:
     int& m_destroyed;
 };
 
-class CountingCollection : public CXmlCollectionBase {
+class CountingCollection : public KxTest::Inert<CXmlCollectionBase> {
 public:
     explicit CountingCollection(int& destroyed) : m_destroyed(destroyed) {}
     ~CountingCollection() override { ++m_destroyed; }
