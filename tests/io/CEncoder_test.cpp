@@ -5,25 +5,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "KxTestSupport.h"
 #include "KxXmlLib16.h"
 
 using namespace KxXmlLib16;
 
 namespace {
-
-// Sets LC_CTYPE for the scope of a test and restores the previous one.
-class CTypeLocale {
-public:
-    explicit CTypeLocale(const char* name) : m_previous(std::setlocale(LC_CTYPE, nullptr)) {
-        m_ok = std::setlocale(LC_CTYPE, name) != nullptr;
-    }
-    ~CTypeLocale() { std::setlocale(LC_CTYPE, m_previous.c_str()); }
-    bool Ok() const { return m_ok; }
-
-private:
-    std::string m_previous;
-    bool m_ok;
-};
 
 std::string Text(const CBinaryData& data) {
     return std::string(reinterpret_cast<const char*>(data.GetData()), data.GetLength());
@@ -38,7 +25,7 @@ std::wstring Wide(const CBinaryData& data) {
 }  // namespace
 
 TEST(CEncoder, Utf8ToLocalCodePageInAUtf8LocaleKeepsTheText) {
-    CTypeLocale locale("C.UTF-8");
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
     ASSERT_TRUE(locale.Ok());
     for (const char* text : {"plain", "h\xC3\xA9llo \xE2\x82\xAC \xF0\x9F\x98\x80", ""}) {
         SCOPED_TRACE(text);
@@ -56,7 +43,7 @@ TEST(CEncoder, Utf8ToLocalCodePageInAUtf8LocaleKeepsTheText) {
 }
 
 TEST(CEncoder, UnrepresentableCharactersBecomeQuestionMarks) {
-    CTypeLocale locale("C");
+    KxTest::ScopedLocale locale(LC_CTYPE, "C");
     ASSERT_TRUE(locale.Ok());
     EXPECT_EQ("h?llo ?", CEncoder::Utf8ToLocalCodePage("h\xC3\xA9llo \xE2\x82\xAC"));
     const unsigned char bytes[] = {'a', 0xF0, 0x9F, 0x98, 0x80, 'b', 'c'};
@@ -67,7 +54,7 @@ TEST(CEncoder, UnrepresentableCharactersBecomeQuestionMarks) {
 }
 
 TEST(CEncoder, LocalCodePageDecodingReplacesInvalidBytesAndContinues) {
-    CTypeLocale locale("C.UTF-8");
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
     ASSERT_TRUE(locale.Ok());
     struct Case {
         const char* in;
@@ -88,7 +75,7 @@ TEST(CEncoder, LocalCodePageDecodingReplacesInvalidBytesAndContinues) {
 }
 
 TEST(CEncoder, AsciiOnlyCopiesBytesBothWays) {
-    CTypeLocale locale("C");
+    KxTest::ScopedLocale locale(LC_CTYPE, "C");
     ASSERT_TRUE(locale.Ok());
     const char* text = "h\xC3\xA9 \xFF";
     EXPECT_FALSE(IsASCIIOnly());

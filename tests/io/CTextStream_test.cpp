@@ -18,20 +18,6 @@ std::string ToString(const CBinaryData& value) {
                : std::string(reinterpret_cast<const char*>(value.GetData()), value.GetLength());
 }
 
-// Switches the character-type locale for one test and restores it afterwards.
-class ScopedCtypeLocale {
-public:
-    explicit ScopedCtypeLocale(const char* name) : m_previous(std::setlocale(LC_CTYPE, nullptr)) {
-        m_active = std::setlocale(LC_CTYPE, name) != nullptr;
-    }
-    ~ScopedCtypeLocale() { std::setlocale(LC_CTYPE, m_previous.c_str()); }
-    bool IsActive() const { return m_active; }
-
-private:
-    std::string m_previous;
-    bool m_active;
-};
-
 }  // namespace
 
 TEST(CTextStream, EncodesTheTextForEachEncoding) {
@@ -60,8 +46,8 @@ TEST(CTextStream, EncodesTheTextForEachEncoding) {
 }
 
 TEST(CTextStream, Utf16UsesSurrogatePairsBeyondTheBasicPlane) {
-    ScopedCtypeLocale locale("C.UTF-8");
-    if (!locale.IsActive()) {
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
+    if (!locale.Ok()) {
         GTEST_SKIP() << "no UTF-8 locale on this machine";
     }
     const char text[] = "\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E";  // U+00E9 U+20AC U+1D11E

@@ -13,21 +13,6 @@ using namespace KxXmlLib16;
 
 namespace {
 
-// Values reach the matcher through the local code page, so text beyond ASCII needs a UTF-8
-// LC_CTYPE for the duration of a test.
-class Utf8Locale {
-public:
-    Utf8Locale() : m_previous(std::setlocale(LC_CTYPE, nullptr)) {
-        m_ok = std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
-    }
-    ~Utf8Locale() { std::setlocale(LC_CTYPE, m_previous.c_str()); }
-    bool Ok() const { return m_ok; }
-
-private:
-    std::string m_previous;
-    bool m_ok;
-};
-
 // Bytes pass the local-code-page step unchanged while it lives.
 class AsciiOnlyScope {
 public:
@@ -72,7 +57,7 @@ TEST(KxRegEx, MatchesTheWholeValueWithXsdEscapes) {
 }
 
 TEST(KxRegEx, NameEscapesAndTheirComplementsSplitEveryCharacter) {
-    Utf8Locale locale;
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
     if (!locale.Ok()) GTEST_SKIP() << "no C.UTF-8 locale";
     std::vector<std::string> characters = {"\xC3\xA9", "\xC3\x9F", "\xD0\x96", "\xE4\xB8\xAD",
                                            "\xF0\x9F\x98\x80"};
@@ -96,7 +81,7 @@ TEST(KxRegEx, NameEscapesAndTheirComplementsSplitEveryCharacter) {
 }
 
 TEST(KxRegEx, LatinBlocksCoverTheirCodePoints) {
-    Utf8Locale locale;
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
     if (!locale.Ok()) GTEST_SKIP() << "no C.UTF-8 locale";
     RunMatchTable({
         {"\\p{IsBasicLatin}+", "Az~\x7F", true},
@@ -199,7 +184,7 @@ TEST(KxRegEx, InvalidUtf8ValueDoesNotMatch) {
 
 TEST(KxRegEx, ValueGoesThroughTheLocalCodePage) {
     {
-        Utf8Locale locale;
+        KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
         if (!locale.Ok()) GTEST_SKIP() << "no C.UTF-8 locale";
         EXPECT_TRUE(TestRegEx("caf\xC3\xA9", "caf\xC3\xA9"));
         EXPECT_TRUE(TestRegEx("a\\?b",

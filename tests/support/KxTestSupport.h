@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <string>
 #include <typeinfo>
 
@@ -60,6 +61,24 @@ inline std::string Int128ToString(__int128 value) {
     }
     return negative ? "-" + out : out;
 }
+
+// Switches one locale category for the lifetime of the object and restores it afterwards.
+class ScopedLocale {
+public:
+    ScopedLocale(int category, const char* name)
+        : m_category(category), m_previous(std::setlocale(category, nullptr)) {
+        m_ok = std::setlocale(category, name) != nullptr;
+    }
+    ~ScopedLocale() { std::setlocale(m_category, m_previous.c_str()); }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+    bool Ok() const { return m_ok; }
+
+private:
+    int m_category;
+    std::string m_previous;
+    bool m_ok;
+};
 
 }  // namespace KxTest
 

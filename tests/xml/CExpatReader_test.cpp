@@ -18,20 +18,6 @@ const unsigned char* Bytes(const std::string& text) {
 
 unsigned long Length(const std::string& text) { return static_cast<unsigned long>(text.size()); }
 
-// Switches the process locale for one test and restores it.
-class ScopedLocale {
-public:
-    explicit ScopedLocale(const char* name) : m_saved(std::setlocale(LC_ALL, nullptr)) {
-        m_ok = std::setlocale(LC_ALL, name) != nullptr;
-    }
-    ~ScopedLocale() { std::setlocale(LC_ALL, m_saved.c_str()); }
-    bool Ok() const { return m_ok; }
-
-private:
-    std::string m_saved;
-    bool m_ok;
-};
-
 class ScopedAsciiOnly {
 public:
     ScopedAsciiOnly() { ASCIIOnly(true); }
@@ -219,7 +205,7 @@ TEST(CExpatReader, EntityExpansionBombsFailQuickly) {
 }
 
 TEST(CExpatReader, Utf8CodePageKeepsTheBytes) {
-    ScopedLocale locale("C.UTF-8");
+    KxTest::ScopedLocale locale(LC_ALL, "C.UTF-8");
     if (!locale.Ok()) GTEST_SKIP() << "no C.UTF-8 locale";
     CXmlDocument doc;
     doc.LoadXml(u8"<Größe Maß='€ 5'>Zoë, 東京 😀</Größe>");
@@ -230,7 +216,7 @@ TEST(CExpatReader, Utf8CodePageKeepsTheBytes) {
 }
 
 TEST(CExpatReader, OtherCodePagesConvertLikeTheEncoder) {
-    ScopedLocale locale("C");
+    KxTest::ScopedLocale locale(LC_ALL, "C");
     ASSERT_TRUE(locale.Ok());
     const std::string text = u8"Zoë, 東京 😀 & plain";
     const std::string escaped = u8"Zoë, 東京 😀 &amp; plain";
@@ -252,7 +238,7 @@ TEST(CExpatReader, OtherCodePagesConvertLikeTheEncoder) {
 }
 
 TEST(CExpatReader, ReadsUtf16Input) {
-    ScopedLocale locale("C.UTF-8");
+    KxTest::ScopedLocale locale(LC_ALL, "C.UTF-8");
     if (!locale.Ok()) GTEST_SKIP() << "no C.UTF-8 locale";
     struct Case {
         const char* name;
