@@ -27,7 +27,7 @@ std::string CollectionNamespace(const std::string& namespaceUri, const std::stri
 
 CAttributeCol::CAttributeCol(const char* namespaceUri, const char* constraint,
                              const char* targetNamespace)
-    : m_namespace(CollectionNamespace(Str(namespaceUri), Str(constraint))),
+    : CXmlCollection("", CollectionNamespace(Str(namespaceUri), Str(constraint)).c_str(), 0, -1),
       m_constraint(Str(constraint)),
       m_targetNamespace(Str(targetNamespace)) {}
 
@@ -37,7 +37,11 @@ CAttributeCol* CAttributeCol::Clone() const {
     std::unique_ptr<CAttributeCol> copy(
         new CAttributeCol(m_namespace.c_str(), m_constraint.c_str(), m_targetNamespace.c_str()));
     copy->SetElementName(GetElementName().c_str());
-    for (const auto& item : m_items) copy->Add(item->Clone());
+    for (CNode* node = GetHead(); node; node = node->m_next) {
+        if (auto* attribute = dynamic_cast<const CAttribute*>(node->m_item)) {
+            copy->Add(attribute->Clone());
+        }
+    }
     return copy.release();
 }
 
@@ -45,7 +49,7 @@ CSmartPtr<CAttribute> CAttributeCol::Add(const char* name, const char* value,
                                          const char* namespaceUri) {
     CXmlObjectHelper::TestNamespace(Str(namespaceUri), m_constraint, m_targetNamespace);
     CSmartPtr<CAttribute> attribute(new CAttribute(name, value, namespaceUri));
-    m_items.push_back(attribute);
+    AppendItem(attribute);
     return attribute;
 }
 
@@ -59,39 +63,49 @@ CSmartPtr<CAttribute> CAttributeCol::Add(const char* name) {
 
 void CAttributeCol::Add(CAttribute* attribute) {
     if (!attribute) throw CKxInvalidParamException("Attribute is NULL");
-    m_items.emplace_back(attribute);
-}
-
-void CAttributeCol::CheckIndex(int index) const {
-    if (index < 0 || index >= GetCount()) {
-        throw CKxInvalidParamException(
-            FormatString("Index %d is out of range, use 0 - %d", index, GetCount()));
-    }
+    AppendItem(attribute);
 }
 
 CSmartPtr<CAttribute> CAttributeCol::Item(int index) const {
-    CheckIndex(index);
-    return m_items[static_cast<size_t>(index)];
+    return dynamic_cast<CAttribute*>(GetNodeAtIndex(index)->m_item);
 }
 
-void CAttributeCol::Remove(int index) {
-    CheckIndex(index);
-    m_items.erase(m_items.begin() + index);
+CAttributeCol::const_iterator CAttributeCol::begin() const { return const_iterator(GetHead()); }
+CAttributeCol::const_iterator CAttributeCol::end() const { return const_iterator(nullptr); }
+
+CAttributeCol::const_iterator::const_iterator(const CNode* node) : m_node(node) {}
+
+CSmartPtr<CAttribute> CAttributeCol::const_iterator::operator*() const {
+    return dynamic_cast<CAttribute*>(m_node->m_item);
 }
 
-void CAttributeCol::Clear() { m_items.clear(); }
+CAttributeCol::const_iterator& CAttributeCol::const_iterator::operator++() {
+    m_node = m_node->m_next;
+    return *this;
+}
 
-int CAttributeCol::GetCount() const { return static_cast<int>(m_items.size()); }
+CAttributeCol::const_iterator CAttributeCol::const_iterator::operator++(int) {
+    const_iterator before = *this;
+    m_node = m_node->m_next;
+    return before;
+}
 
-CAttributeCol::const_iterator CAttributeCol::begin() const { return m_items.begin(); }
-CAttributeCol::const_iterator CAttributeCol::end() const { return m_items.end(); }
+bool CAttributeCol::const_iterator::operator==(const const_iterator& other) const {
+    return m_node == other.m_node;
+}
+
+bool CAttributeCol::const_iterator::operator!=(const const_iterator& other) const {
+    return m_node != other.m_node;
+}
 
 std::string CAttributeCol::GetNamespace() const { return m_namespace; }
 std::string CAttributeCol::GetTargetNamespace() const { return m_targetNamespace; }
 
 void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, const char* ns,
                               const CSerializationContext& ctx, bool) const {
-    for (const auto& item : m_items) item->ToXml_Int(writer, false, ns, ctx, false);
+    for (CNode* node = GetHead(); node; node = node->m_next) {
+        node->m_item->ToXml_Int(writer, false, ns, ctx, false);
+    }
 }
 
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* element, CXmlElement* firstChild,

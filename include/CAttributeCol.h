@@ -2,12 +2,13 @@
 #ifndef KX_CATTRIBUTECOL_H
 #define KX_CATTRIBUTECOL_H
 
+#include <cstddef>
+#include <iterator>
 #include <string>
-#include <vector>
 
 #include "CAttribute.h"
 #include "CSmartPtr.h"
-#include "CXmlCollectionBase.h"
+#include "CXmlCollection.h"
 #include "KxConfig.h"
 
 namespace KxXmlLib16 {
@@ -15,10 +16,30 @@ namespace KxXmlLib16 {
 // Knows the wildcard's namespace constraint ("##any", "##other", "##local",
 // "##targetNamespace", or URIs) and the target namespace it is read against, and refuses
 // attributes added by name from namespaces the constraint excludes. Holds a reference on each
-// attribute. Null pointers are taken as empty strings.
-class KX_EXPORT CAttributeCol : public CXmlCollectionBase {
+// attribute (a CXmlCollection: adds and removals notify the listeners). Null pointers are taken
+// as empty strings.
+class KX_EXPORT CAttributeCol : public CXmlCollection {
 public:
-    using const_iterator = std::vector<CSmartPtr<CAttribute>>::const_iterator;
+    // Walks the attributes from head to tail; dereferencing gives a counted pointer (null for
+    // an item that is not a CAttribute).
+    class KX_EXPORT const_iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = CSmartPtr<CAttribute>;
+        using difference_type = std::ptrdiff_t;
+        using pointer = void;
+        using reference = CSmartPtr<CAttribute>;
+
+        explicit const_iterator(const CNode* node = nullptr);
+        CSmartPtr<CAttribute> operator*() const;
+        const_iterator& operator++();
+        const_iterator operator++(int);
+        bool operator==(const const_iterator& other) const;
+        bool operator!=(const const_iterator& other) const;
+
+    private:
+        const CNode* m_node;
+    };
 
     // `namespaceUri` is the namespace of attributes added by name only. When it is empty and
     // the constraint's first token is a plain URI (not starting with '#'), that URI is used
@@ -40,17 +61,14 @@ public:
     // As above, with the collection's namespace (and an empty value).
     CSmartPtr<CAttribute> Add(const char* name, const char* value);
     CSmartPtr<CAttribute> Add(const char* name);
-    // Appends the attribute as it is, without a namespace test.
+    // Appends the attribute as it is (AppendItem), without a namespace test.
     // Throws CKxInvalidParamException "Attribute is NULL" for a null pointer.
     void Add(CAttribute* attribute);
 
-    // The attribute at `index`. Throws CKxInvalidParamException
-    // "Index %d is out of range, use 0 - %d" (the index and the count) outside 0 .. count - 1.
+    // The attribute at `index` (null when the stored object is not a CAttribute). Throws
+    // CKxInvalidParamException "Index %d is out of range, use 0 - %d" (the index and the count)
+    // outside 0 .. count - 1. Remove(index), Clear() and GetCount() are the collection's.
     CSmartPtr<CAttribute> Item(int index) const;
-    // Removes the attribute at `index`; throws as Item does.
-    void Remove(int index);
-    void Clear();
-    int GetCount() const override;
 
     const_iterator begin() const;
     const_iterator end() const;
@@ -75,12 +93,8 @@ public:
     const std::string& GetRuleTargetNamespace() const;
 
 private:
-    void CheckIndex(int index) const;
-
-    std::string m_namespace;
     std::string m_constraint;
     std::string m_targetNamespace;
-    std::vector<CSmartPtr<CAttribute>> m_items;
 };
 
 }  // namespace KxXmlLib16

@@ -152,3 +152,25 @@ TEST(CAttributeCol, WritesItsAttributesAsStringsAndReadsThemFromAnElement) {
         "This should be done by the collection");
     EXPECT_EQ("urn:t", other->GetTargetNamespace());
 }
+
+TEST(CAttributeCol, AddsAndRemovalsNotifyListenersAsACollection) {
+    struct Sink : IEventSink {
+        void OnEvent(CXmlObjectBase*, MsgType type, void*) override { log.push_back(type); }
+        std::vector<int> log;
+    };
+    CSmartPtr<CAttributeCol> col(new CAttributeCol("", "##any", ""));
+    Sink sink;
+    col->AddEventListener(&sink);
+    col->Add("a");
+    col->Add(new CAttribute("b", "", "urn:x"));
+    col->Remove(0);
+    const std::vector<int> expected = {
+        IEventSink::MsgType_CollectionAdd, IEventSink::MsgType_CollectionAddComplete,
+        IEventSink::MsgType_CollectionChange, IEventSink::MsgType_CollectionAdd,
+        IEventSink::MsgType_CollectionAddComplete, IEventSink::MsgType_CollectionChange,
+        IEventSink::MsgType_CollectionRemove, IEventSink::MsgType_CollectionRemoveComplete,
+        IEventSink::MsgType_CollectionChange};
+    EXPECT_EQ(expected, sink.log);
+    EXPECT_EQ((std::vector<std::string>{"b"}), Names(*col));
+    EXPECT_EQ(col->GetNodeAtIndex(0)->m_item, col->Item(0).Ptr());
+}
