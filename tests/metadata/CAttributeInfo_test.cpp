@@ -73,6 +73,25 @@ CXmlAttribute* FindAttribute(CXmlDocument& doc, const std::string& name, const s
     return nullptr;
 }
 
+// A collapsed, unrestricted i4 attribute, as generated for an int member.
+CAttributeInfoPrimitive I4Attribute(const char* name, const char* ns, int memberId,
+                                    bool optional, const char* defaultValue) {
+    return CAttributeInfoPrimitive(name, ns, memberId, optional, ItemType_i4, nullptr,
+                                   CWhitespaceUtils::WhitespaceRule_Collapse,
+                                   CPrimitiveRestrictions(), defaultValue);
+}
+
+// Checks that `sink` got nothing (expected == nullptr) or exactly `expected` of type `type`.
+void ExpectWrittenAtMostOnce(const AttributeSink& sink, const char* expected, ItemType type) {
+    if (expected == nullptr) {
+        EXPECT_TRUE(sink.written.empty());
+        return;
+    }
+    ASSERT_EQ(1u, sink.written.size());
+    EXPECT_EQ(expected, sink.written[0]);
+    EXPECT_EQ(type, sink.types[0]);
+}
+
 CSerializationContext Context(bool ignoreNamespaces, bool noDefaults) {
     CSerializationContext ctx;
     ctx.SetIgnoreNamespaces(ignoreNamespaces);
@@ -100,29 +119,19 @@ TEST(CAttributeInfo, OptionalUnsetAndDefaultValuesAreLeftOutOnlyWhenAllowed) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.label);
-        CAttributeInfoPrimitive info("size", "", 1, row.optional, ItemType_i4, nullptr,
-                                     CWhitespaceUtils::WhitespaceRule_Collapse,
-                                     CPrimitiveRestrictions(), "7");
+        CAttributeInfoPrimitive info = I4Attribute("size", "", 1, row.optional, "7");
         Bag bag;
         if (row.set) bag.m_values[1].SetI4(row.value);
         AttributeSink sink;
         info.AttributeToXml(Context(false, row.noDefaults), &bag, &sink);
-        if (row.expected == nullptr) {
-            EXPECT_TRUE(sink.written.empty());
-        } else {
-            ASSERT_EQ(1u, sink.written.size());
-            EXPECT_EQ(row.expected, sink.written[0]);
-            EXPECT_EQ(ItemType_i4, sink.types[0]);
-        }
+        ExpectWrittenAtMostOnce(sink, row.expected, ItemType_i4);
     }
 }
 
 TEST(CAttributeInfo, RequiredUnsetAttributeIsNotSkippedButHasNoText) {
     // A required attribute is never skipped: an unset member reaches the formatter, which has
     // no text for a variant without a value.
-    CAttributeInfoPrimitive info("size", "urn:a", 1, false, ItemType_i4, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Collapse,
-                                 CPrimitiveRestrictions(), nullptr);
+    CAttributeInfoPrimitive info = I4Attribute("size", "urn:a", 1, false, nullptr);
     Bag bag;
     AttributeSink sink;
     KxTest::ExpectKxError<CKxException>(
@@ -203,20 +212,12 @@ TEST(CAttributeInfo, EnumeratedValuesAreWrittenAsStringsThroughTheConverter) {
         bag.m_values[4].SetI4(row.value);
         AttributeSink sink;
         info.AttributeToXml(Context(false, row.noDefaults), &bag, &sink);
-        if (row.expected == nullptr) {
-            EXPECT_TRUE(sink.written.empty());
-        } else {
-            ASSERT_EQ(1u, sink.written.size());
-            EXPECT_EQ(row.expected, sink.written[0]);
-            EXPECT_EQ(ItemType_string, sink.types[0]);
-        }
+        ExpectWrittenAtMostOnce(sink, row.expected, ItemType_string);
     }
 }
 
 TEST(CAttributeInfo, MissingRequiredAttributesFailValidation) {
-    CAttributeInfoPrimitive primitive("id", "", 1, false, ItemType_i4, nullptr,
-                                      CWhitespaceUtils::WhitespaceRule_Collapse,
-                                      CPrimitiveRestrictions(), nullptr);
+    CAttributeInfoPrimitive primitive = I4Attribute("id", "", 1, false, nullptr);
     CAttributeInfoEnum enumerated("colour", "", 2, false, ColourName, ColourValue, nullptr);
     CAttributeInfoAny any("any", "", 3, false, "##any", "", nullptr);
     const CSerializationContext ctx;
@@ -227,16 +228,12 @@ TEST(CAttributeInfo, MissingRequiredAttributesFailValidation) {
         "Failed to find the required Attribute [colour].");
     EXPECT_NO_THROW(primitive.Validate(ctx, true));
     EXPECT_NO_THROW(any.Validate(ctx, false));
-    CAttributeInfoPrimitive optional("id", "", 1, true, ItemType_i4, nullptr,
-                                     CWhitespaceUtils::WhitespaceRule_Collapse,
-                                     CPrimitiveRestrictions(), nullptr);
+    CAttributeInfoPrimitive optional = I4Attribute("id", "", 1, true, nullptr);
     EXPECT_NO_THROW(optional.Validate(ctx, false));
 }
 
 TEST(CAttributeInfo, AccessorFailuresAreReportedWithTheirOwnWording) {
-    CAttributeInfoPrimitive info("size", "", kFailingMember, false, ItemType_i4, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Collapse,
-                                 CPrimitiveRestrictions(), nullptr);
+    CAttributeInfoPrimitive info = I4Attribute("size", "", kFailingMember, false, nullptr);
     CXmlDocument doc;
     doc.LoadXml("<r size=' 12 '/>");
     Bag bag;

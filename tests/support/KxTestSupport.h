@@ -62,6 +62,18 @@ inline std::string Int128ToString(__int128 value) {
     return negative ? "-" + out : out;
 }
 
+// Checks all six comparison operators of `a` against `b` for the ordering `expected`
+// (negative: a < b, zero: equal, positive: a > b).
+template <typename T>
+void ExpectOrdering(const T& a, const T& b, int expected) {
+    EXPECT_EQ(expected == 0, a == b);
+    EXPECT_EQ(expected != 0, a != b);
+    EXPECT_EQ(expected < 0, a < b);
+    EXPECT_EQ(expected > 0, a > b);
+    EXPECT_EQ(expected <= 0, a <= b);
+    EXPECT_EQ(expected >= 0, a >= b);
+}
+
 // Switches one locale category for the lifetime of the object and restores it afterwards.
 class ScopedLocale {
 public:

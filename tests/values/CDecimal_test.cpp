@@ -10,6 +10,7 @@
 #include "KxXmlLib16.h"
 
 using KxTest::ExpectKxError;
+using KxTest::ExpectOrdering;
 using KxTest::Int128ToString;
 using namespace KxXmlLib16;
 
@@ -168,12 +169,7 @@ TEST(CDecimal, ComparesByValue) {
         const CDecimal b(row.b);
         EXPECT_EQ(row.expected, CDecimal::Compare(a, b));
         EXPECT_EQ(-row.expected, CDecimal::Compare(b, a));
-        EXPECT_EQ(row.expected == 0, a == b);
-        EXPECT_EQ(row.expected != 0, a != b);
-        EXPECT_EQ(row.expected < 0, a < b);
-        EXPECT_EQ(row.expected > 0, a > b);
-        EXPECT_EQ(row.expected <= 0, a <= b);
-        EXPECT_EQ(row.expected >= 0, a >= b);
+        ExpectOrdering(a, b, row.expected);
     }
 }
 
@@ -238,8 +234,7 @@ TEST(CDecimal, ArithmeticMatchesInt128) {
         EXPECT_EQ(Scaled(wa + wb, s).ToString(), (a + b).ToString());
         EXPECT_EQ(Scaled(wa - wb, s).ToString(), (a - b).ToString());
         EXPECT_EQ(Scaled(static_cast<__int128>(ua) * ub, sa + sb).ToString(), (a * b).ToString());
-        EXPECT_EQ(wa < wb, a < b);
-        EXPECT_EQ(wa == wb, a == b);
+        ExpectOrdering(a, b, wa < wb ? -1 : wa > wb ? 1 : 0);
         // Quotient at 28 fraction digits: ua * 10^(sb + 28 - sa) / ub, truncated; a dividend
         // below 10^6 and a power at most 10^32 keep it inside __int128.
         if (ua > -1000000 && ua < 1000000) {

@@ -60,6 +60,33 @@ void Leaf(CXmlTextWriter& w, const char* name, const std::string& text) {
     w.WriteEndElement();
 }
 
+// An element with neither attributes nor content.
+void Empty(CXmlTextWriter& w, const char* name, const char* ns = "") {
+    w.WriteStartElement(name, ns);
+    w.WriteEndElement();
+}
+
+// Wraps `body` in a start and end tag of element R.
+Calls InR(const Calls& body) {
+    return [body](CXmlTextWriter& w) {
+        w.WriteStartElement("R", "");
+        body(w);
+        w.WriteEndElement();
+    };
+}
+
+// Element E carrying `text` both as attribute a and as its content.
+std::string RenderAttributeAndText(const std::string& text, const Settings& settings) {
+    return Render(
+        [&](CXmlTextWriter& w) {
+            w.WriteStartElement("E", "");
+            w.WriteAttributeString("a", "", text, ItemType_string);
+            w.WriteString(text, ItemType_string, false);
+            w.WriteEndElement();
+        },
+        settings);
+}
+
 // A stream that records every Flush (the length it saw and the text it passed on) and empties
 // its buffer the way a file stream does.
 class CountingStream : public CTextStream {
@@ -102,6 +129,14 @@ void WriteOrder(CXmlTextWriter& w, int lines) {
     w.WriteEndElement();
 }
 
+// Opens a writer on `stream`, writes the order document and closes it.
+void WriteOrderDocument(CTextStream& stream, int lines) {
+    CXmlTextWriter writer(stream);
+    writer.Open();
+    WriteOrder(writer, lines);
+    writer.Close();
+}
+
 }  // namespace
 
 TEST(CXmlTextWriter, FormattingFollowsIndentAndLineEndSettings) {
@@ -111,8 +146,7 @@ TEST(CXmlTextWriter, FormattingFollowsIndentAndLineEndSettings) {
         Leaf(w, "Child", "text");
         w.WriteStartElement("List", "");
         Leaf(w, "Item", "x");
-        w.WriteStartElement("Empty", "");
-        w.WriteEndElement();
+        Empty(w, "Empty");
         w.WriteEndElement();
         w.WriteEndElement();
     };
@@ -166,8 +200,7 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
              w.WritePI("<?app go?>");
              w.WriteComment("a<b&c");
              w.WriteStartElement("Root", "");
-             w.WriteStartElement("C", "");
-             w.WriteEndElement();
+             Empty(w, "C");
              w.WriteInlineSchema("<xs:schema/>");
              w.WriteEndElement();
          },
@@ -176,56 +209,35 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
          "<?xml version=\"1.0\"?>\n<!DOCTYPE Root>\n<?app go?>\n\n<!--a&lt;b&amp;c-->\n"
          "<Root><C/> \n<xs:schema/>\n</Root>"},
         {"empty text keeps the empty-element tag",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteString("", ItemType_string, false);
-             w.WriteEndElement();
-         },
+         InR([](CXmlTextWriter& w) { w.WriteString("", ItemType_string, false); }),
          "<R/>\n", "<R/>"},
         {"text then child element",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
+         InR([](CXmlTextWriter& w) {
              w.WriteString("text", ItemType_string, false);
-             w.WriteStartElement("C", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+             Empty(w, "C");
+         }),
          "<R>text\t<C/>\n</R>\n", "<R>text<C/></R>"},
         {"siblings do not inherit each other's state",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
+         InR([](CXmlTextWriter& w) {
              w.WriteStartElement("A", "");
              Leaf(w, "B", "b");
              w.WriteEndElement();
              Leaf(w, "C", "c");
-             w.WriteStartElement("D", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+             Empty(w, "D");
+         }),
          "<R>\n\t<A>\n\t\t<B>b</B>\n\t</A>\n\t<C>c</C>\n\t<D/>\n</R>\n",
          "<R><A><B>b</B></A><C>c</C><D/></R>"},
         {"comment does not close the start tag",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteComment("c");
-             w.WriteEndElement();
-         },
+         InR([](CXmlTextWriter& w) { w.WriteComment("c"); }),
          "<R<!--c-->\n/>\n", "<R<!--c-->\n/>"},
         {"raw element is appended as it is",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteStartElement("C", "");
-             w.WriteEndElement();
+         InR([](CXmlTextWriter& w) {
+             Empty(w, "C");
              w.WriteRawElement("<raw a='&'/>");
-             w.WriteEndElement();
-         },
+         }),
          "<R>\n\t<C/>\n<raw a='&'/>\n</R>\n", "<R><C/><raw a='&'/></R>"},
         {"raw element does not close the start tag",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteRawElement(" x=\"1\"");
-             w.WriteEndElement();
-         },
+         InR([](CXmlTextWriter& w) { w.WriteRawElement(" x=\"1\""); }),
          "<R x=\"1\"\n/>\n", "<R x=\"1\"/>"},
         {"free text ends at an embedded NUL",
          [](CXmlTextWriter& w) {
@@ -237,11 +249,7 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
          },
          "<!--c-->\n<R a=\"v\">x</R>\n", "<!--c-->\n<R a=\"v\">x</R>"},
         {"default value skipped",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteString("v", ItemType_string, true);
-             w.WriteEndElement();
-         },
+         InR([](CXmlTextWriter& w) { w.WriteString("v", ItemType_string, true); }),
          "<R/>\n", "<R/>"},
         {"default value written when asked for",
          [](CXmlTextWriter& w) {
@@ -299,13 +307,10 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
          [](CXmlTextWriter& w) {
              w.WriteStartElement("Root", "urn:a");
              w.WriteStartElement("Child", "urn:b");
-             w.WriteStartElement("G", "urn:b");
+             Empty(w, "G", "urn:b");
              w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteStartElement("Sib", "urn:b");
-             w.WriteEndElement();
-             w.WriteStartElement("A2", "urn:a");
-             w.WriteEndElement();
+             Empty(w, "Sib", "urn:b");
+             Empty(w, "A2", "urn:a");
              w.WriteEndElement();
          },
          "<AA:Root xmlns:AA=\"urn:a\"><AB:Child xmlns:AB=\"urn:b\"><AB:G/></AB:Child>"
@@ -317,33 +322,26 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
              w.AddNamespace("xml", CXmlWriter::XML_NAMESPACE);
              w.SetDefaultNamespace("urn:d");
              w.WriteStartElement("Root", "urn:d");
-             w.WriteStartElement("C", "urn:p");
-             w.WriteEndElement();
-             w.WriteStartElement("D", "urn:d");
-             w.WriteEndElement();
-             w.WriteStartElement("E", "");
-             w.WriteEndElement();
+             Empty(w, "C", "urn:p");
+             Empty(w, "D", "urn:d");
+             Empty(w, "E");
              w.WriteEndElement();
          },
          "<Root xmlns=\"urn:d\" xmlns:p=\"urn:p\" xmlns:a=\"urn:z\"><p:C/><D/><E/></Root>"},
         {"root prefix avoids prefixes bound on the writer",
          [](CXmlTextWriter& w) {
              w.AddNamespace("AA", "urn:p");
-             w.WriteStartElement("R", "urn:a");
-             w.WriteEndElement();
+             Empty(w, "R", "urn:a");
          },
          "<AB:R xmlns:AB=\"urn:a\" xmlns:AA=\"urn:p\"/>"},
         {"bindings made inside an element are used but not declared",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
+         InR([](CXmlTextWriter& w) {
              w.AddNamespace("q", "urn:q");
              w.WriteStartElement("C", "urn:q");
              w.SetDefaultNamespace("urn:x");
-             w.WriteStartElement("D", "urn:x");
+             Empty(w, "D", "urn:x");
              w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         }),
          "<R><q:C><D/></q:C></R>"},
         {"end tag follows the bindings in force at the end",
          [](CXmlTextWriter& w) {
@@ -354,11 +352,9 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
          },
          "<AA:R xmlns:AA=\"urn:a\">t</n:R>"},
         {"xml attributes use the xml prefix",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
+         InR([](CXmlTextWriter& w) {
              w.WriteAttributeString("lang", CXmlWriter::XML_NAMESPACE, "en", ItemType_string);
-             w.WriteEndElement();
-         },
+         }),
          "<R xml:lang=\"en\"/>"},
         {"attribute in the default namespace still gets a prefix",
          [](CXmlTextWriter& w) {
@@ -398,8 +394,7 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
          "<R xmlns=\"urn:d\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
          "xmlns:t=\"urn:t\" xsi:type=\"t:T\"><C xsi:type=\"U\"/><D xsi:type=\"V\"/></R>"},
         {"nil with and without a bound instance namespace",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
+         InR([](CXmlTextWriter& w) {
              w.WriteStartElement("A", "");
              w.WriteAttributeNil();
              w.WriteEndElement();
@@ -407,8 +402,7 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
              w.WriteStartElement("B", "");
              w.WriteAttributeNil();
              w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         }),
          "<R><A xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>"
          "<B xsi:nil=\"true\"/></R>"},
     };
@@ -446,15 +440,7 @@ TEST(CXmlTextWriter, EscapesSpecialCharactersInTextAndAttributes) {
         SCOPED_TRACE(row.in);
         Settings settings = Unformatted();
         settings.eol = row.eol;
-        const std::string in = row.in;
-        const std::string out = Render(
-            [&](CXmlTextWriter& w) {
-                w.WriteStartElement("E", "");
-                w.WriteAttributeString("a", "", in, ItemType_string);
-                w.WriteString(in, ItemType_string, false);
-                w.WriteEndElement();
-            },
-            settings);
+        const std::string out = RenderAttributeAndText(row.in, settings);
         EXPECT_EQ(std::string("<E a=\"") + row.attribute + "\">" + row.text + "</E>", out);
     }
 }
@@ -487,14 +473,7 @@ TEST(CXmlTextWriter, EscapingLongTextMatchesCharacterByCharacterRules) {
         SCOPED_TRACE(::testing::Message() << "round " << round << ", length " << in.size());
         Settings settings = Unformatted();
         settings.eol = EOLType_CRLF;
-        const std::string out = Render(
-            [&](CXmlTextWriter& w) {
-                w.WriteStartElement("E", "");
-                w.WriteAttributeString("a", "", in, ItemType_string);
-                w.WriteString(in, ItemType_string, false);
-                w.WriteEndElement();
-            },
-            settings);
+        const std::string out = RenderAttributeAndText(in, settings);
         EXPECT_EQ("<E a=\"" + escape(in, true) + "\">" + escape(in, false) + "</E>", out);
     }
 }
@@ -534,33 +513,25 @@ TEST(CXmlTextWriter, MisuseIsReportedWithExactMessages) {
     };
     const auto openWithChild = [](CXmlTextWriter& w) {
         w.WriteStartElement("R", "");
-        w.WriteStartElement("C", "");
-        w.WriteEndElement();
+        Empty(w, "C");
     };
     const auto nothing = [](CXmlTextWriter&) {};
+    const auto attribute = [](CXmlTextWriter& w) {
+        w.WriteAttributeString("a", "", "1", ItemType_string);
+    };
+    const auto header = [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!DOCTYPE R>"); };
     const Case cases[] = {
-        {"attribute after text", openWithText,
-         [](CXmlTextWriter& w) { w.WriteAttributeString("a", "", "1", ItemType_string); },
-         attributes},
-        {"attribute after child", openWithChild,
-         [](CXmlTextWriter& w) { w.WriteAttributeString("a", "", "1", ItemType_string); },
-         attributes},
-        {"attribute outside any element", nothing,
-         [](CXmlTextWriter& w) { w.WriteAttributeString("a", "", "1", ItemType_string); },
-         attributes},
+        {"attribute after text", openWithText, attribute, attributes},
+        {"attribute after child", openWithChild, attribute, attributes},
+        {"attribute outside any element", nothing, attribute, attributes},
         {"type after text", openWithText,
          [](CXmlTextWriter& w) { w.WriteAttributeType("T", "urn:t", ItemType_string); },
          attributes},
         {"nil after child", openWithChild, [](CXmlTextWriter& w) { w.WriteAttributeNil(); },
          attributes},
         {"header inside the root", [](CXmlTextWriter& w) { w.WriteStartElement("R", ""); },
-         [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!DOCTYPE R>"); }, headers},
-        {"header after the root",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "");
-             w.WriteEndElement();
-         },
-         [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!DOCTYPE R>"); }, headers},
+         header, headers},
+        {"header after the root", [](CXmlTextWriter& w) { Empty(w, "R"); }, header, headers},
         {"end without an element", nothing, [](CXmlTextWriter& w) { w.WriteEndElement(); },
          "There is no open Element to end."},
     };
@@ -663,12 +634,7 @@ TEST(CXmlTextWriter, EveryWritingOperationChecksTheFlushThreshold) {
 TEST(CXmlTextWriter, FileOutputEqualsTheTextOfAnUnflushedRun) {
     const int lines = 3000;
     CTextStream memory(KxXmlLib16::XmlEncoding_UTF8);
-    {
-        CXmlTextWriter writer(memory);
-        writer.Open();
-        WriteOrder(writer, lines);
-        writer.Close();
-    }
+    WriteOrderDocument(memory, lines);
     const std::string expected = memory.GetText();
     ASSERT_GT(expected.size(), 100000u);
 
@@ -686,10 +652,7 @@ TEST(CXmlTextWriter, FileOutputEqualsTheTextOfAnUnflushedRun) {
 
     // The same run on a counting stream flushes only at the threshold and loses nothing.
     CountingStream counting;
-    CXmlTextWriter countingWriter(counting);
-    countingWriter.Open();
-    WriteOrder(countingWriter, lines);
-    countingWriter.Close();
+    WriteOrderDocument(counting, lines);
     EXPECT_EQ(expected, counting.AllText());
     EXPECT_LE(expected.size() / 4200, counting.lengths.size());
     for (unsigned int length : counting.lengths) {
