@@ -3,6 +3,8 @@
 
 #include <strings.h>
 
+#include <algorithm>
+
 #include <vector>
 
 #include "CAttributeCol.h"
@@ -83,7 +85,12 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
             const CNamespaceAliasMap& aliases = ctx.GetNamespaceAliases();
             for (int i = 0; i < aliases.GetNamespaceCount(); ++i) {
                 const std::string uri = aliases.GetNamespaceAt(i);
-                writer->AddNamespace(aliases.GetAliasFromNamespace(uri.c_str()), uri);
+                const std::string alias = aliases.GetAliasFromNamespace(uri.c_str());
+                // An empty alias names the default namespace ("xmlns:" is not XML).
+                if (alias.empty())
+                    writer->SetDefaultNamespace(uri);
+                else
+                    writer->AddNamespace(alias, uri);
             }
             if (!ctx.GetDefaultNamespaceURI().empty())
                 writer->SetDefaultNamespace(ctx.GetDefaultNamespaceURI());
@@ -104,18 +111,22 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, const char* 
             writer->WriteAttributeType(info->GetElementName(), info->GetNamespace(),
                                        asString.GetItemType());
         }
-        AttributesToXml_Int(writer, ctx);
+        // A content-only class's attributes reach the parent's start tag through the
+        // parent's records (PseudoChildAttributeToXml), before the parent's content begins.
+        if (ownElement || isRoot) AttributesToXml_Int(writer, ctx);
         if (isRoot && !ctx.GetInLineSchema().empty())
             writer->WriteInlineSchema(ctx.GetInLineSchema());
         const INillable* nillable = dynamic_cast<const INillable*>(this);
-        if (nillable && nillable->IsNil()) writer->WriteAttributeNil();
-        switch (info->GetGroupType()) {
+        const bool nil = nillable && nillable->IsNil();
+        if (ownElement && nil) writer->WriteAttributeNil();
+        // A nil element has no content (reading skips it the same way).
+        if (!nil) switch (info->GetGroupType()) {
         case XmlElementGroupType_Sequence: ProcessElementSeqToXml(writer, ctx); break;
         case XmlElementGroupType_Choice: ProcessElementChoiceToXml(writer, ctx, isNested); break;
         case XmlElementGroupType_All: ProcessElementAllToXml(writer, ctx); break;
         default: throw CKxException("Unknown XML Group Type");
         }
-        if (info->GetTextMemberId() != -1 && info->GetTextItemType() != 0) {
+        if (!nil && info->GetTextMemberId() != -1 && info->GetTextItemType() != 0) {
             KxVariant text;
             ReadProperty(info->GetTextMemberId(), text);
             if (text.IsNil()) {
@@ -184,7 +195,10 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
         const CParentElementInfo* info = GetClassInfo();
         if (info->GetElementType() == XmlElementType_Element)
             SetElementName(element->GetLocalName().c_str());
-        ProcessAttributesFromXml(ctx, element, info->IsStrictAttributes());
+        // A content-only class reads its attributes from its parent's element, whose other
+        // attributes (and nil mark) belong to the parent: it is never strict there.
+        const bool ownElement = info->GetElementType() == XmlElementType_Element;
+        ProcessAttributesFromXml(ctx, element, ownElement && info->IsStrictAttributes());
         const INillable* nillable = dynamic_cast<const INillable*>(this);
         if (nillable && nillable->IsNil()) return firstChild;
         CXmlElement* next = nullptr;
@@ -219,14 +233,24 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
 
 void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& ctx,
                                                   CXmlElement* element, bool strict) {
-    std::vector<CAttributeInfo*> records;
-    for (CAttributeInfo** info = GetClassAttributeInfo(); info && *info; ++info)
-        records.push_back(*info);
-    std::vector<char> found(records.size(), 0);
+    // Called once per element read: the records are walked in place and the found flags
+    // live on the stack for any ordinary number of attributes.
+    CAttributeInfo** records = GetClassAttributeInfo();
+    size_t count = 0;
+    while (records && records[count]) ++count;
+    char stackFound[32];
+    std::vector<char> heapFound;
+    char* found = stackFound;
+    if (count > sizeof stackFound) {
+        heapFound.resize(count);
+        found = heapFound.data();
+    }
+    std::fill(found, found + count, 0);
     INillable* nillable = dynamic_cast<INillable*>(this);
     for (CXmlAttribute* attribute : element->GetAttributes()) {
         if (attribute->IsNamespaceAttribute()) continue;
         if (attribute->IsNilAttribute()) {
+            if (GetClassInfo()->GetElementType() != XmlElementType_Element) continue;
             if (!nillable)
                 throw CKxValidationException(
                     "Invalid use of 'nil' attribute in non-nillable element.", element->GetXPath());
@@ -242,16 +266,24 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(const CSerializationContext& c
             continue;
         }
         bool accepted = false;
-        for (size_t i = 0; i < records.size() && !accepted; ++i) {
+        for (size_t i = 0; i < count && !accepted; ++i) {
             if (records[i]->AttributeFromXml(ctx, this, attribute)) {
                 found[i] = 1;
                 accepted = true;
             }
         }
-        if (!accepted && strict && !ctx.GetIgnoreUnknownAttributes())
+        if (!accepted && strict && !ctx.GetIgnoreUnknownAttributes() &&
+            !IsContentOnlyChildAttribute(ctx, attribute))
             throw CKxValidationException("Unexpected Attribute found.", attribute->GetXPath());
     }
-    for (size_t i = 0; i < records.size(); ++i) records[i]->Validate(ctx, found[i] != 0);
+    for (size_t i = 0; i < count; ++i) records[i]->Validate(ctx, found[i] != 0);
+}
+
+bool CXmlGeneratedClass::IsContentOnlyChildAttribute(const CSerializationContext& ctx,
+                                                     CXmlAttribute* attribute) const {
+    for (CElementInfo** info = GetClassElementInfo(); info && *info; ++info)
+        if ((*info)->ClaimsParentAttribute(ctx, this, attribute)) return true;
+    return false;
 }
 
 CXmlElement* CXmlGeneratedClass::HandleLeftovers(const CSerializationContext& ctx,
@@ -272,7 +304,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(const CSerializationCo
                                                           CXmlElement* firstChild,
                                                           bool isNested) {
     const XmlElementType elementType = GetClassInfo()->GetElementType();
-    const std::string ns = GetClassInfo()->GetNamespace();
+    const std::string& ns = GetClassInfo()->GetNamespace();
     CXmlElement* cursor = firstChild;
     for (CElementInfo** info = GetClassElementInfo(); info && *info; ++info) {
         while (!(*info)->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), elementType)) {
@@ -289,7 +321,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
                                                           CXmlElement* firstChild,
                                                           bool isNested) {
     const XmlElementType elementType = GetClassInfo()->GetElementType();
-    const std::string ns = GetClassInfo()->GetNamespace();
+    const std::string& ns = GetClassInfo()->GetNamespace();
     std::vector<CElementInfo*> records;
     for (CElementInfo** info = GetClassElementInfo(); info && *info; ++info)
         records.push_back(*info);
@@ -306,8 +338,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(const CSerializationCo
             if (cursor != before) progressed = true;
         }
     }
-    for (size_t i = 0; i < records.size(); ++i)
+    for (size_t i = 0; i < records.size(); ++i) {
+        // A repeated member's presence is its collection's count, checked as it reads.
+        if (dynamic_cast<const CElementInfoAllCol*>(records[i])) continue;
         if (!records[i]->Validate(ctx, this, matched[i] != 0, true)) return firstChild;
+    }
     return HandleLeftovers(ctx, parent, cursor, isNested);
 }
 
@@ -316,7 +351,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(const CSerializatio
                                                              CXmlElement* firstChild,
                                                              bool isNested) {
     const XmlElementType elementType = GetClassInfo()->GetElementType();
-    const std::string ns = GetClassInfo()->GetNamespace();
+    const std::string& ns = GetClassInfo()->GetNamespace();
     CXmlElement* cursor = firstChild;
     bool read = false;
     while (cursor && !read) {

@@ -15,6 +15,7 @@
 
 namespace KxXmlLib16 {
 class CSerializationContext;
+class CXmlAttribute;
 class CXmlElement;
 class CXmlCollectionBase;
 class CXmlGeneratedClass;
@@ -60,6 +61,11 @@ public:
                                            CXmlWriter* writer) const;
     // Whether an all-group member written by this record may be absent from a choice.
     virtual bool IsOptionalChoiceBranch(const CXmlGeneratedClass* object) const;
+    // Whether `attribute` of the object's own element belongs to a content-only child of this
+    // member (whose attributes live on the parent's element). The base answers false.
+    virtual bool ClaimsParentAttribute(const CSerializationContext& ctx,
+                                       const CXmlGeneratedClass* object,
+                                       KxXmlLib16::CXmlAttribute* attribute) const;
 
     // Local name equal, and (unless IgnoreNamespaces) namespace URI equal. False for null.
     bool IsThisElement(const CSerializationContext& ctx, const CXmlElement* element) const;

@@ -18,6 +18,7 @@ class CParentElementInfo;
 
 namespace KxXmlLib16 {
 
+class CXmlAttribute;
 class CXmlElement;
 
 class KX_EXPORT CXmlGeneratedClass : public CXmlObjectBase {
@@ -83,6 +84,9 @@ protected:
                                           CXmlElement* firstChild, bool isNested);
 
 private:
+    // Whether a content-only child member's class owns this attribute of our element.
+    bool IsContentOnlyChildAttribute(const CSerializationContext& ctx,
+                                     CXmlAttribute* attribute) const;
     CXmlElement* HandleLeftovers(const CSerializationContext& ctx, CXmlElement* parent,
                                  CXmlElement* cursor, bool isNested) const;
 };

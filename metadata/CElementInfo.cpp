@@ -6,6 +6,7 @@
 #include "CKxException.h"
 #include "CParentElementInfo.h"
 #include "CSerializationContext.h"
+#include "CXmlCollection.h"
 #include "CXmlCollectionBase.h"
 #include "CXmlElement.h"
 #include "CXmlGeneratedClass.h"
@@ -69,6 +70,11 @@ void CElementInfo::PseudoChildAttributeToXml(const CSerializationContext&,
                                              const CXmlGeneratedClass*, CXmlWriter*) const {}
 
 bool CElementInfo::IsOptionalChoiceBranch(const CXmlGeneratedClass*) const { return false; }
+
+bool CElementInfo::ClaimsParentAttribute(const CSerializationContext&, const CXmlGeneratedClass*,
+                                         CXmlAttribute*) const {
+    return false;
+}
 
 bool CElementInfo::IsThisElement(const CSerializationContext& ctx,
                                  const CXmlElement* element) const {
@@ -171,9 +177,12 @@ bool CElementInfo::ElementToXmlCol(const CSerializationContext& ctx,
     ReadProperty(object, value);
     CSmartPtr<CXmlCollectionBase> collection = TakeCollection(value);
     if (!collection || collection->GetCount() < 1) return false;
-    writer->SetContextState(CXmlWriter::ContextState_CollectionStart);
+    // Only collections of objects are framed (the JSON writer makes them one array); typed
+    // collections of simple values are written as repeated elements.
+    const bool framed = dynamic_cast<const CXmlCollection*>(collection.Ptr()) != nullptr;
+    if (framed) writer->SetContextState(CXmlWriter::ContextState_CollectionStart);
     collection->ToXml_Int(writer, false, m_namespace.c_str(), ctx, false);
-    writer->SetContextState(CXmlWriter::ContextState_CollectionEnd);
+    if (framed) writer->SetContextState(CXmlWriter::ContextState_CollectionEnd);
     return true;
 }
 
