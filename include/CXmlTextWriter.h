@@ -40,7 +40,10 @@ public:
     void WriteInlineSchema(const std::string& text) override;
     // Opens an element. A namespace other than the effective default one is written with its
     // bound prefix; an unbound one gets a fresh prefix (AA, AB, ...) declared on this element.
-    // The root element also declares the writer's default namespace and map.
+    // The root element also declares the writer's default namespace and map. An element in
+    // no namespace while a default namespace is in effect is written with xmlns="" (the root
+    // instead leaves the writer's default namespace undeclared); inside it the default
+    // namespace is empty.
     void WriteStartElement(const std::string& name, const std::string& ns) override;
     // Writes element text, escaped unless it begins with "<![CDATA[". An empty text, or a
     // default value while default values are not written, writes nothing.

@@ -279,9 +279,20 @@ void CXmlTextWriter::WriteStartElement(const std::string& name, const std::strin
     if (m_format) {
         AddIndent(context.GetDepth());
     }
+    const bool isRoot = context.GetParent() == nullptr;
+    // A default namespace in scope would capture an element written by its bare name, so an
+    // element in no namespace takes the default away again, for itself and its content. The
+    // root undoes it by not declaring the writer's default namespace at all.
+    const bool undeclareDefault = ns.empty() && !context.GetDefaultNamespace().empty();
+    if (undeclareDefault) {
+        context.SetDefaultNamespace(std::string());
+    }
     Put('<');
     if (ns.empty() || ns == context.GetDefaultNamespace()) {
         Put(name);
+        if (undeclareDefault && !isRoot) {
+            Put(" xmlns=\"\"", 9);
+        }
     } else if (const std::string* prefix = context.FindNamespacePrefix(ns)) {
         AddQualifiedName(prefix, name);
     } else {
@@ -290,10 +301,10 @@ void CXmlTextWriter::WriteStartElement(const std::string& name, const std::strin
         AddNamespaceDeclaration(fresh, ns);
     }
 
-    if (context.GetParent() == nullptr) {
+    if (isRoot) {
         // Only the root declares the bindings made on the writer before the document began.
         const std::string& defaultNamespace = CXmlWriter::GetDefaultNamespace();
-        if (!defaultNamespace.empty()) {
+        if (!defaultNamespace.empty() && !undeclareDefault) {
             Put(" xmlns=\"", 8);
             Put(defaultNamespace);
             Put('"');

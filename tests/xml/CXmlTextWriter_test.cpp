@@ -327,7 +327,8 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
              Empty(w, "E");
              w.WriteEndElement();
          },
-         "<Root xmlns=\"urn:d\" xmlns:p=\"urn:p\" xmlns:a=\"urn:z\"><p:C/><D/><E/></Root>"},
+         "<Root xmlns=\"urn:d\" xmlns:p=\"urn:p\" xmlns:a=\"urn:z\"><p:C/><D/><E xmlns=\"\"/>"
+         "</Root>"},
         {"root prefix avoids prefixes bound on the writer",
          [](CXmlTextWriter& w) {
              w.AddNamespace("AA", "urn:p");
@@ -410,6 +411,174 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(row.expected, Render(row.calls, Unformatted()));
     }
+}
+
+// "{namespace}name" of every element of `xml`, in document order, separated by spaces.
+std::string ElementNamesAfterReading(const std::string& xml) {
+    KxXmlLib16::CXmlDocument document;
+    document.LoadXml(xml.c_str());
+    std::string names;
+    std::function<void(const KxXmlLib16::CXmlElement*)> visit =
+        [&](const KxXmlLib16::CXmlElement* element) {
+            if (!names.empty()) names += ' ';
+            names += '{' + element->GetNamespaceURI() + '}' + element->GetLocalName();
+            for (const KxXmlLib16::CXmlElement* child = element->GetFirstElement();
+                 child != nullptr; child = child->GetNextSiblingElement()) {
+                visit(child);
+            }
+        };
+    visit(document.GetDocumentElement());
+    return names;
+}
+
+TEST(CXmlTextWriter, NoNamespaceElementUndeclaresTheDefaultNamespace) {
+    struct Case {
+        const char* name;
+        Calls calls;
+        const char* expected;
+        // What a reader makes of the output: each element's namespace and name.
+        const char* readBack;
+    };
+    const Case cases[] = {
+        {"child in no namespace under a default namespace",
+         [](CXmlTextWriter& w) {
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             Empty(w, "E");
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\"><E xmlns=\"\"/></R>", "{urn:d}R {}E"},
+        {"descendants in no namespace need no further declaration",
+         [](CXmlTextWriter& w) {
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             w.WriteStartElement("E", "");
+             Leaf(w, "F", "t");
+             w.WriteStartElement("G", "");
+             Empty(w, "H");
+             w.WriteEndElement();
+             w.WriteEndElement();
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\"><E xmlns=\"\"><F>t</F><G><H/></G></E></R>",
+         "{urn:d}R {}E {}F {}G {}H"},
+        {"the old default namespace inside gets a generated prefix",
+         [](CXmlTextWriter& w) {
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             w.WriteStartElement("E", "");
+             w.WriteStartElement("D", "urn:d");
+             Empty(w, "X");
+             w.WriteEndElement();
+             Empty(w, "D2", "urn:d");
+             w.WriteEndElement();
+             Empty(w, "S", "urn:d");
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\"><E xmlns=\"\"><AA:D xmlns:AA=\"urn:d\"><X/></AA:D>"
+         "<AA:D2 xmlns:AA=\"urn:d\"/></E><S/></R>",
+         "{urn:d}R {}E {urn:d}D {}X {urn:d}D2 {urn:d}S"},
+        {"the old default namespace inside uses a prefix bound on the writer",
+         [](CXmlTextWriter& w) {
+             w.AddNamespace("d", "urn:d");
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             w.WriteStartElement("E", "");
+             w.WriteStartElement("D", "urn:d");
+             w.WriteString("1", ItemType_string, false);
+             w.WriteEndElement();
+             w.WriteEndElement();
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\" xmlns:d=\"urn:d\"><E xmlns=\"\"><d:D>1</d:D></E></R>",
+         "{urn:d}R {}E {urn:d}D"},
+        {"each no-namespace sibling declares it again",
+         [](CXmlTextWriter& w) {
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             Leaf(w, "A", "1");
+             Leaf(w, "A", "2");
+             Empty(w, "B", "urn:d");
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\"><A xmlns=\"\">1</A><A xmlns=\"\">2</A><B/></R>",
+         "{urn:d}R {}A {}A {urn:d}B"},
+        {"inside an element of a prefixed namespace",
+         [](CXmlTextWriter& w) {
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             w.WriteStartElement("O", "urn:o");
+             Empty(w, "E");
+             w.WriteEndElement();
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\"><AA:O xmlns:AA=\"urn:o\"><E xmlns=\"\"/></AA:O></R>",
+         "{urn:d}R {urn:o}O {}E"},
+        {"attributes, nil and type follow the declaration",
+         [](CXmlTextWriter& w) {
+             w.AddNamespace("xsi", kXsi);
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "urn:d");
+             w.WriteStartElement("E", "");
+             w.WriteAttributeString("a", "", "1", ItemType_string);
+             w.WriteAttributeNil();
+             w.WriteEndElement();
+             w.WriteStartElement("F", "");
+             w.WriteAttributeType("T", "urn:d", ItemType_string);
+             w.WriteEndElement();
+             w.WriteEndElement();
+         },
+         "<R xmlns=\"urn:d\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">"
+         "<E xmlns=\"\" a=\"1\" xsi:nil=\"true\"/>"
+         "<F xmlns=\"\" xmlns:AA=\"urn:d\"  xsi:type=\"AA:T\"/></R>",
+         "{urn:d}R {}E {}F"},
+        {"root in no namespace leaves the writer's default undeclared",
+         [](CXmlTextWriter& w) {
+             w.AddNamespace("p", "urn:p");
+             w.SetDefaultNamespace("urn:d");
+             w.WriteStartElement("R", "");
+             Empty(w, "E");
+             Empty(w, "D", "urn:d");
+             Empty(w, "P", "urn:p");
+             w.WriteEndElement();
+         },
+         "<R xmlns:p=\"urn:p\"><E/><AA:D xmlns:AA=\"urn:d\"/><p:P/></R>",
+         "{}R {}E {urn:d}D {urn:p}P"},
+        {"without a default namespace nothing is declared",
+         [](CXmlTextWriter& w) {
+             w.AddNamespace("p", "urn:p");
+             w.WriteStartElement("R", "urn:p");
+             w.WriteStartElement("E", "");
+             Empty(w, "F");
+             w.WriteEndElement();
+             w.WriteEndElement();
+         },
+         "<p:R xmlns:p=\"urn:p\"><E><F/></E></p:R>", "{urn:p}R {}E {}F"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const std::string xml = Render(row.calls, Unformatted());
+        EXPECT_EQ(row.expected, xml);
+        EXPECT_EQ(row.readBack, ElementNamesAfterReading(xml));
+    }
+}
+
+TEST(CXmlTextWriter, FormattedNoNamespaceElementsReadBackOutsideTheDefault) {
+    const std::string xml = Render([](CXmlTextWriter& w) {
+        w.WriteStartDocument();
+        w.SetDefaultNamespace("urn:d");
+        w.WriteStartElement("R", "urn:d");
+        w.WriteStartElement("E", "");
+        Leaf(w, "F", "x");
+        Leaf(w, "G", "y");
+        w.WriteEndElement();
+        w.WriteEndElement();
+    });
+    EXPECT_EQ(
+        "<?xml version=\"1.0\"?>\n<R xmlns=\"urn:d\">\n\t<E xmlns=\"\">\n\t\t<F>x</F>\n"
+        "\t\t<G>y</G>\n\t</E>\n</R>\n",
+        xml);
+    EXPECT_EQ("{urn:d}R {}E {}F {}G", ElementNamesAfterReading(xml));
 }
 
 TEST(CXmlTextWriter, EscapesSpecialCharactersInTextAndAttributes) {
