@@ -1,5 +1,5 @@
 // The records and accessors of the sample order bindings.
-#include "OrderBindings.h"
+#include "FlatBindings.h"
 
 namespace KxExamples {
 

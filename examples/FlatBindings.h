@@ -1,7 +1,7 @@
-// Sample bindings for part of the order schema (urn:bench:orders), in the shape the code
+// Small flat sample bindings (urn:bench:orders, trimmed types), in the shape the code
 // generator emits: static records, one property accessor, no serialisation code.
-#ifndef KX_EXAMPLES_ORDERBINDINGS_H
-#define KX_EXAMPLES_ORDERBINDINGS_H
+#ifndef KX_EXAMPLES_FLATBINDINGS_H
+#define KX_EXAMPLES_FLATBINDINGS_H
 
 #include <string>
 

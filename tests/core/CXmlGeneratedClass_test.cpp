@@ -4,7 +4,7 @@
 
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
-#include "OrderBindings.h"
+#include "FlatBindings.h"
 
 using namespace KxXmlLib16;
 using KxExamples::CAddress;
