@@ -1,10 +1,18 @@
 #include "CXmlObjectBase.h"
 
 #include <atomic>
+#include <map>
+#include <memory>
+#include <string>
 #include <utility>
 
+#include "CAttributeCol.h"
+#include "CElement.h"
+#include "CElementCol.h"
 #include "CFileBinaryStream.h"
 #include "CFileTextStream.h"
+#include "CJsonContext.h"
+#include "CJsonTextWriter.h"
 #include "CKxException.h"
 #include "CKxZip.h"
 #include "CTextStream.h"
@@ -57,6 +65,33 @@ void WriteXmlDocument(const CXmlObjectBase& object, CTextStream& stream, bool in
     writer.Close();
 }
 
+// Writes the whole JSON document of `object` into `stream`, with the JSON options of `ctx`.
+void WriteJsonDocument(const CXmlObjectBase& object, CTextStream& stream, bool formatted,
+                       EOLType eol, const CSerializationContext& ctx) {
+    CJsonTextWriter writer(stream);
+    writer.Open();
+    writer.SetFormat(formatted);
+    writer.SetIndentChars(ctx.GetIndentChars().c_str());
+    writer.SetEOLType(eol);
+    const CJsonContext* json = ctx.GetJsonContext();
+    writer.SetSupportRoundtrip(json->GetSupportRoundtrip());
+    writer.SetStandardEscaping(json->GetStandardEscaping());
+    writer.WriteStartDocument();
+    const std::string ns = object.GetNamespace();
+    object.ToXml_Int(&writer, true, ns.c_str(), ctx, false);
+    writer.WriteEndDocument();
+    writer.Close();
+}
+
+// Writes `bytes` to `path`; the byte-order mark belongs to uncompressed text only: in front of
+// compressed bytes it would keep every reader from recognising the compression.
+void WriteDocumentFile(const char* path, XmlEncoding encoding, CompressionType compression,
+                       const CBinaryData& bytes) {
+    const XmlEncoding fileEncoding =
+        compression == CompressionType_None ? encoding : XmlEncoding_UTF8;
+    CFileBinaryStream(path, fileEncoding, bytes).ToFile();
+}
+
 // A text stream that hands its text to a std::string at every flush (the writer flushes each
 // 4096 characters), so a large document is never held as a chain of blocks that must be joined
 // and copied at the end.
@@ -90,6 +125,24 @@ const char* const kAlreadySetBracketed =
     "The Property [%s] is already set. Only one element within this class bay be set at a time";
 const char* const kAlreadySetPlain =
     "The Property %s is already set. Only one element within this class bay be set at a time";
+
+// The context a JSON text is read with: JSON written without namespaces (any mode but the full
+// round trip) cannot be checked against them, so a copy with namespace checking off is used.
+class JsonReadingContext {
+public:
+    explicit JsonReadingContext(const CSerializationContext& ctx) : m_context(&ctx) {
+        if (ctx.GetJsonContext()->GetSupportRoundtrip() != RoundTrip_Full) {
+            m_copy.reset(new CSerializationContext(ctx));
+            m_copy->SetIgnoreNamespaces(true);
+            m_context = m_copy.get();
+        }
+    }
+    const CSerializationContext& Get() const { return *m_context; }
+
+private:
+    const CSerializationContext* m_context;
+    std::unique_ptr<CSerializationContext> m_copy;
+};
 
 }  // namespace
 
@@ -179,10 +232,17 @@ void CXmlObjectBase::ToFastInfosetFile(const char*, FInfoDecl, const CSerializat
     throw CKxException("Fast Infoset output is not supported yet");
 }
 
-void CXmlObjectBase::ToJsonFile(const char*, bool, XmlEncoding, EOLType,
-                                const CSerializationContext&, CompressionType compression) const {
+void CXmlObjectBase::ToJsonFile(const char* path, bool formatted, XmlEncoding encoding,
+                                EOLType eol, const CSerializationContext& ctx,
+                                CompressionType compression) const {
     RefuseZlibForFiles(compression);
-    throw CKxException("JSON output is not supported yet");
+    if (GetAsyncToXmlFile() && compression == CompressionType_None) {
+        CFileTextStream stream(path, encoding);
+        WriteJsonDocument(*this, stream, formatted, eol, ctx);
+        return;
+    }
+    const CBinaryData bytes = ToJsonStream(formatted, encoding, eol, ctx, compression);
+    WriteDocumentFile(path, encoding, compression, bytes);
 }
 
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
@@ -192,8 +252,11 @@ std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eo
     return stream.TakeText();
 }
 
-std::string CXmlObjectBase::ToJson(bool, EOLType, const CSerializationContext&) const {
-    throw CKxException("JSON output is not supported yet");
+std::string CXmlObjectBase::ToJson(bool formatted, EOLType eol,
+                                   const CSerializationContext& ctx) const {
+    CStringTextStream stream;
+    WriteJsonDocument(*this, stream, formatted, eol, ctx);
+    return stream.TakeText();
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding,
@@ -211,9 +274,14 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, const CSerializationC
     throw CKxException("Fast Infoset output is not supported yet");
 }
 
-CBinaryData CXmlObjectBase::ToJsonStream(bool, XmlEncoding, EOLType, const CSerializationContext&,
-                                         CompressionType) const {
-    throw CKxException("JSON output is not supported yet");
+CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eol,
+                                         const CSerializationContext& ctx,
+                                         CompressionType compression) const {
+    CTextStream stream(encoding);
+    WriteJsonDocument(*this, stream, formatted, eol, ctx);
+    CBinaryData bytes = stream.GetEncodedStream();
+    if (compression != CompressionType_None) CKxZip::CompressData(bytes, compression);
+    return bytes;
 }
 
 // ---- Reading -----------------------------------------------------------------------------
@@ -234,9 +302,10 @@ void CXmlObjectBase::FromXmlFile(const char* path, const CSerializationContext& 
 }
 
 void CXmlObjectBase::FromJsonFile(const char* path, const CSerializationContext& ctx) {
-    CXmlDocument document(ctx);
+    const JsonReadingContext reading(ctx);
+    CXmlDocument document(reading.Get());
     document.LoadJsonFile(path);
-    ReadElement(document.GetDocumentElement(), ctx);
+    ReadElement(document.GetDocumentElement(), reading.Get());
 }
 
 void CXmlObjectBase::FromXml(const char* text, const CSerializationContext& ctx) {
@@ -252,15 +321,17 @@ void CXmlObjectBase::FromXml(const wchar_t* text, const CSerializationContext& c
 }
 
 void CXmlObjectBase::FromJson(const char* text, const CSerializationContext& ctx) {
-    CXmlDocument document(ctx);
+    const JsonReadingContext reading(ctx);
+    CXmlDocument document(reading.Get());
     document.LoadJson(text);
-    ReadElement(document.GetDocumentElement(), ctx);
+    ReadElement(document.GetDocumentElement(), reading.Get());
 }
 
 void CXmlObjectBase::FromJson(const wchar_t* text, const CSerializationContext& ctx) {
-    CXmlDocument document(ctx);
+    const JsonReadingContext reading(ctx);
+    CXmlDocument document(reading.Get());
     document.LoadJson(text);
-    ReadElement(document.GetDocumentElement(), ctx);
+    ReadElement(document.GetDocumentElement(), reading.Get());
 }
 
 void CXmlObjectBase::FromXmlStream(const unsigned char* data, unsigned long length,
@@ -276,9 +347,10 @@ void CXmlObjectBase::FromXmlStream(const CBinaryData& data, const CSerialization
 
 void CXmlObjectBase::FromJsonStream(const unsigned char* data, unsigned long length,
                                     const CSerializationContext& ctx) {
-    CXmlDocument document(ctx);
+    const JsonReadingContext reading(ctx);
+    CXmlDocument document(reading.Get());
     document.LoadJsonStream(data, length);
-    ReadElement(document.GetDocumentElement(), ctx);
+    ReadElement(document.GetDocumentElement(), reading.Get());
 }
 
 void CXmlObjectBase::FromJsonStream(const CBinaryData& data, const CSerializationContext& ctx) {
@@ -289,8 +361,57 @@ void CXmlObjectBase::FromXmlElement(const CXmlElement* element, const CSerializa
     ReadElement(element, ctx);
 }
 
-void CXmlObjectBase::FromXmlElement(const CElement*, const CSerializationContext&) {
-    throw CKxException("Reading from a CElement is not supported yet");
+namespace {
+
+// Copies an untyped element into the open element of `document`, children included. An
+// xsi:type goes back as an attribute whose prefix is bound in the document (t0, t1, ... per
+// namespace), so that the reader resolves it as it would in parsed input.
+void CopyUntyped(const CElement& source, CXmlDocument& document, CXmlElement* target,
+                 std::map<std::string, std::string>& typePrefixes) {
+    if (!source.GetTypeName().empty()) {
+        std::string qname = source.GetTypeName();
+        if (!source.GetTypeNamespace().empty()) {
+            auto found = typePrefixes.find(source.GetTypeNamespace());
+            if (found == typePrefixes.end()) {
+                const std::string prefix = FormatString("t%d", static_cast<int>(typePrefixes.size()));
+                document.AddNamespaceBinding(prefix, source.GetTypeNamespace());
+                found = typePrefixes.emplace(source.GetTypeNamespace(), prefix).first;
+            }
+            qname = found->second + ":" + qname;
+        }
+        document.AddElementAttribute(target, "type", qname.c_str(),
+                                     "http://www.w3.org/2001/XMLSchema-instance");
+    }
+    for (const CSmartPtr<CAttribute>& attribute : *source.GetAttributes()) {
+        if (!attribute) continue;
+        document.AddElementAttribute(target, attribute->GetName().c_str(),
+                                     attribute->GetValue().c_str(),
+                                     attribute->GetNamespace().c_str());
+    }
+    target->AppendText(source.GetText());
+    CSmartPtr<CElementCol> children = source.GetChildren();
+    for (CXmlCollection::CNode* node = children->GetHead(); node; node = node->m_next) {
+        const CElement* child = dynamic_cast<const CElement*>(node->m_item);
+        if (!child) continue;
+        CXmlElement* element =
+            document.AddChildElement(child->GetNamespace().c_str(), child->GetName().c_str());
+        CopyUntyped(*child, document, element, typePrefixes);
+        document.EndElement();
+    }
+}
+
+}  // namespace
+
+void CXmlObjectBase::FromXmlElement(const CElement* element, const CSerializationContext& ctx) {
+    if (!element) throw CKxInvalidParamException("The element to read from is NULL");
+    // The engine reads trees, so the untyped element is rebuilt as one (no text round trip).
+    CXmlDocument document(ctx);
+    CXmlElement* root =
+        document.AddDocElement(element->GetNamespace().c_str(), element->GetName().c_str());
+    std::map<std::string, std::string> typePrefixes;
+    CopyUntyped(*element, document, root, typePrefixes);
+    document.EndElement();
+    ReadElement(document.GetDocumentElement(), ctx);
 }
 
 // ---- Hooks and forwarders ----------------------------------------------------------------

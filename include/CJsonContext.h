@@ -13,7 +13,7 @@ namespace KxXmlLib16 {
 // A plain value: copying copies every option.
 class KX_EXPORT CJsonContext {
 public:
-    // Full round trip, no root element name, comments accepted.
+    // Full round trip, no root element name, comments accepted, lenient escaping.
     CJsonContext();
     CJsonContext(const CJsonContext& other);
     CJsonContext& operator=(const CJsonContext& other);
@@ -33,10 +33,18 @@ public:
     // The setter of AllowComments; it carries the getter's name on purpose (public interface).
     void GetAllowComments(bool allow);
 
+    // Standard JSON (off by default). On: the writer escapes quotation marks, backslashes and
+    // control characters as JSON requires and quotes numbers JSON cannot hold (INF, NaN...);
+    // the reader decodes every JSON escape, "\uXXXX" surrogate pairs included, into UTF-8.
+    // Off: the library's own lenient escaping and lossy "\u" reading.
+    bool GetStandardEscaping() const;
+    void SetStandardEscaping(bool standard);
+
 private:
     JsonRoundTrip m_supportRoundtrip;
     std::string m_rootElementName;
     bool m_allowComments;
+    bool m_standardEscaping;
 };
 
 }  // namespace KxXmlLib16

@@ -62,9 +62,11 @@ public:
     // errors.
     void LoadXmlStream(const unsigned char* data, unsigned long length);
 
-    // JSON input. Throws CKxException "JSON String is empty!" (the text forms), "JSON Stream is
-    // empty!" (no bytes) or, as Load, the file errors; then, for now, "JSON input is not
-    // supported yet".
+    // JSON input, turned into XML text by CJsonTextReader::ConvertJsonToXml with the
+    // document's context, then parsed as XML. The file and stream forms also take gzip or zlib
+    // data and skip a UTF-8 byte-order mark; their bytes are UTF-8. Throws CKxException "JSON
+    // String is empty!" (the text forms), "JSON Stream is empty!" (no bytes) or, as Load, the
+    // file errors; then the JSON reader's errors and those of the XML reader.
     void LoadJson(const char* text);
     void LoadJson(const wchar_t* text);
     void LoadJsonFile(const char* path);
@@ -137,6 +139,8 @@ private:
     void Parse();
     // Parses the input bytes as XML text.
     void ParseText();
+    // Converts the JSON text to XML text and parses that.
+    void ParseJson(const std::string& json);
     // Frees the input bytes once a load is over.
     void ReleaseInput();
 

@@ -70,8 +70,10 @@ public:
         const char* path, FInfoDecl declaration = FInfoDecl_None,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
         CompressionType compression = CompressionType_None) const;
-    // JSON document to `path`. Refuses zlib compression as ToXmlFile does; for now throws
-    // CKxException "JSON output is not supported yet".
+    // JSON document to `path`, with the JSON options of the context's CJsonContext; otherwise
+    // as ToXmlFile (zlib refused, streaming with AsyncToXmlFile(true), FF FE for UTF-16).
+    // Throws the writer's CKxException "Unknown Namespace: %s." in full round trip for an
+    // element or attribute whose namespace has no prefix in scope.
     virtual void ToJsonFile(
         const char* path, bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
         EOLType eol = EOLType_LF,
@@ -81,7 +83,7 @@ public:
     virtual std::string ToXml(
         bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext) const;
-    // JSON text. For now throws CKxException "JSON output is not supported yet".
+    // JSON text (UTF-8), shaped by the context's CJsonContext (round-trip mode, escaping).
     virtual std::string ToJson(
         bool formatted = true, EOLType eol = EOLType_LF,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext) const;
@@ -97,7 +99,7 @@ public:
         FInfoDecl declaration = FInfoDecl_None,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
         CompressionType compression = CompressionType_None) const;
-    // For now throws CKxException "JSON output is not supported yet".
+    // JSON as bytes of `encoding`, compressed when asked, as ToXmlStream.
     virtual CBinaryData ToJsonStream(
         bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
@@ -115,8 +117,11 @@ public:
 
     virtual void FromXmlFile(const char* path, const CSerializationContext& ctx =
                                                    CSerializationContext::m_defaultContext);
-    // JSON input goes through the document's JSON loading; for now that throws CKxException
-    // "JSON input is not supported yet" (after its own empty-input and file checks).
+    // JSON input (UTF-8 in files and byte streams, which may be gzip or zlib data) is turned
+    // into XML text with the JSON options of ctx and read like XML. Outside RoundTrip_Full the
+    // JSON carries no namespaces, so it is read with namespace checking off. Throws as the XML
+    // forms, plus "JSON String is empty!", "JSON Stream is empty!" and the JSON reader's
+    // CKxValidationException ("... at line L, position P.", with the JSON path).
     virtual void FromJsonFile(const char* path, const CSerializationContext& ctx =
                                                     CSerializationContext::m_defaultContext);
     // XML text in a narrow (UTF-8) string; never decompressed.
@@ -146,8 +151,9 @@ public:
     virtual void FromXmlElement(
         const CXmlElement* element,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext);
-    // Reading from an untyped element. For now throws CKxException "Reading from a CElement is
-    // not supported yet".
+    // Reads the object from the subtree an untyped element holds, as if it had been parsed
+    // (the element is not changed). Throws CKxInvalidParamException "The element to read from
+    // is NULL" for a null element, otherwise whatever reading that tree throws.
     virtual void FromXmlElement(
         const CElement* element,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext);

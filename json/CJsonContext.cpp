@@ -2,7 +2,7 @@
 
 namespace KxXmlLib16 {
 
-CJsonContext::CJsonContext() : m_supportRoundtrip(RoundTrip_Full), m_allowComments(true) {}
+CJsonContext::CJsonContext() : m_supportRoundtrip(RoundTrip_Full), m_allowComments(true), m_standardEscaping(false) {}
 CJsonContext::CJsonContext(const CJsonContext& other) = default;
 CJsonContext& CJsonContext::operator=(const CJsonContext& other) = default;
 CJsonContext::~CJsonContext() = default;
@@ -15,5 +15,8 @@ void CJsonContext::SetRootElementName(const char* name) { m_rootElementName = na
 
 bool CJsonContext::GetAllowComments() const { return m_allowComments; }
 void CJsonContext::GetAllowComments(bool allow) { m_allowComments = allow; }
+
+bool CJsonContext::GetStandardEscaping() const { return m_standardEscaping; }
+void CJsonContext::SetStandardEscaping(bool standard) { m_standardEscaping = standard; }
 
 }  // namespace KxXmlLib16

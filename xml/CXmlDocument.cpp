@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string>
 
+#include "CEncoder.h"
+#include "CJsonTextReader.h"
 #include "CKxException.h"
 #include "CKxZip.h"
 #include "CSerializationContext.h"
@@ -64,7 +66,24 @@ std::unique_ptr<unsigned char[]> ToUtf16Le(const wchar_t* text, size_t count,
     return bytes;
 }
 
-[[noreturn]] void ThrowJsonNotSupported() { throw CKxException("JSON input is not supported yet"); }
+// JSON bytes as the library's narrow text: inflated if compressed, a UTF-8 byte-order mark
+// skipped, converted from UTF-8 to the local code page.
+std::string JsonTextFromBytes(const unsigned char* data, unsigned long length) {
+    std::unique_ptr<unsigned char[]> inflated;
+    if (CKxZip::IsCompressed(data, length)) {
+        unsigned char* bytes = CopyBytes(data, length).release();
+        unsigned long size = length;
+        CKxZip::Decompress(&bytes, &size);
+        inflated.reset(bytes);
+        data = bytes;
+        length = size;
+    }
+    if (length >= 3 && data[0] == 0xEF && data[1] == 0xBB && data[2] == 0xBF) {
+        data += 3;
+        length -= 3;
+    }
+    return CEncoder::Utf8ToLocalCodePage(data, static_cast<int>(length));
+}
 
 }  // namespace
 
@@ -142,26 +161,35 @@ void CXmlDocument::LoadXmlStream(const unsigned char* data, unsigned long length
 void CXmlDocument::LoadJson(const char* text) {
     Cleanup();
     if (text == nullptr || *text == '\0') throw CKxException("JSON String is empty!");
-    ThrowJsonNotSupported();
+    ParseJson(text);
 }
 
 void CXmlDocument::LoadJson(const wchar_t* text) {
     Cleanup();
     if (text == nullptr || *text == L'\0') throw CKxException("JSON String is empty!");
-    ThrowJsonNotSupported();
+    const CBinaryData utf8 = CEncoder::UnicodeToUtf8Binary(text);
+    ParseJson(CEncoder::Utf8ToLocalCodePage(utf8.GetData(), static_cast<int>(utf8.GetLength())));
 }
 
 void CXmlDocument::LoadJsonFile(const char* path) {
     Cleanup();
     ReadFile(path);
+    const std::string json = JsonTextFromBytes(m_input, m_inputLength);
     ReleaseInput();
-    ThrowJsonNotSupported();
+    ParseJson(json);
 }
 
 void CXmlDocument::LoadJsonStream(const unsigned char* data, unsigned long length) {
     Cleanup();
     if (data == nullptr || length == 0) throw CKxException("JSON Stream is empty!");
-    ThrowJsonNotSupported();
+    ParseJson(JsonTextFromBytes(data, length));
+}
+
+void CXmlDocument::ParseJson(const std::string& json) {
+    // JSON reaches the tree as XML text, so it is read exactly as XML input is.
+    const CBinaryData xml = CJsonTextReader::ConvertJsonToXml(json, *m_context);
+    BorrowInput(xml.GetData(), xml.GetLength());
+    ParseText();
 }
 
 CXmlElement* CXmlDocument::GetDocumentElement() const { return m_documentElement.get(); }
