@@ -1,0 +1,147 @@
+#include "Documents.h"
+
+#include <cstdio>
+
+namespace kxxml {
+
+namespace {
+
+// The format named by an exception of an entry point that is not built yet ("JSON output is
+// not supported yet", "Fast Infoset input is not supported yet" ...), or null for any other
+// failure. The whole chain is searched, in case a caller wrapped it.
+const char* UnavailableFormat(const CKxException& e) {
+    for (const CKxException* cur = &e; cur != nullptr; cur = cur->GetInnerException()) {
+        const std::string message = cur->GetMessage();
+        if (!EndsWith(message, "is not supported yet")) continue;
+        if (StartsWith(message, "JSON ")) return "JSON";
+        if (StartsWith(message, "Fast Infoset ")) return "Fast Infoset";
+    }
+    return nullptr;
+}
+
+// Runs `action`, turning a "not supported yet" failure into FormatNotAvailable.
+template <typename Action>
+auto Guarded(Action action) -> decltype(action()) {
+    try {
+        return action();
+    } catch (const CKxException& e) {
+        if (const char* format = UnavailableFormat(e)) throw FormatNotAvailable{format};
+        throw;
+    }
+}
+
+bool IsJsonName(const std::string& path) {
+    bool gz = false;
+    return EndsWith(StripGz(path, &gz), ".json");
+}
+
+void WriteBytes(const std::string& path, const CBinaryData& data) {
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    bool ok = file != nullptr;
+    if (ok && data.GetLength() > 0)
+        ok = std::fwrite(data.GetData(), 1, data.GetLength(), file) == data.GetLength();
+    if (file != nullptr && std::fclose(file) != 0) ok = false;
+    if (!ok)
+        throw CKxException(FormatString("Failed to write data to the file [%s].", path.c_str()));
+}
+
+}  // namespace
+
+const CSerializationContext& WriteContext() {
+    static const CSerializationContext context = [] {
+        CSerializationContext c;
+        c.SetDefaultNamespaceURI(KxOrders::kOrdersNamespace);
+        return c;
+    }();
+    return context;
+}
+
+const char* FormatName(Format format) {
+    switch (format) {
+        case Format::Xml: return "XML";
+        case Format::Json: return "JSON";
+        case Format::FastInfoset: return "Fast Infoset";
+    }
+    return "?";
+}
+
+std::string OneLine(const CKxException& e) {
+    const std::string full = e.GetFullMessage();
+    std::string line;
+    size_t start = 0;
+    while (start <= full.size()) {
+        size_t end = full.find('\n', start);
+        if (end == std::string::npos) end = full.size();
+        std::string part = full.substr(start, end - start);
+        while (!part.empty() && (part.back() == '\r' || part.back() == ' ')) part.pop_back();
+        if (!part.empty()) line += (line.empty() ? "" : " | ") + part;
+        start = end + 1;
+    }
+    return line;
+}
+
+bool EndsWith(const std::string& text, const std::string& suffix) {
+    return text.size() >= suffix.size() &&
+           text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+bool StartsWith(const std::string& text, const std::string& prefix) {
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+std::string StripGz(const std::string& name, bool* hadGz) {
+    *hadGz = EndsWith(name, ".gz");
+    return *hadGz ? name.substr(0, name.size() - 3) : name;
+}
+
+int OrderCount(const COrders& orders) { return orders.m_orders->GetCount(); }
+
+void ReadDocument(COrders& orders, const std::string& path) {
+    Guarded([&] {
+        if (IsJsonName(path))
+            orders.FromJsonFile(path.c_str());
+        else
+            orders.FromXmlFile(path.c_str());
+    });
+}
+
+CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compression,
+                    bool indent) {
+    const CSerializationContext& ctx = WriteContext();
+    return Guarded([&] {
+        switch (format) {
+            case Format::Json:
+                return orders.ToJsonStream(indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
+            case Format::FastInfoset:
+                return orders.ToFastInfosetStream(FInfoDecl_None, ctx, compression);
+            case Format::Xml: break;
+        }
+        return orders.ToXmlStream(true, indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
+    });
+}
+
+void WriteDocument(const COrders& orders, const std::string& path, Format format,
+                   CompressionType compression, bool indent) {
+    if (compression == CompressionType_ZLib) {
+        WriteBytes(path, ToBytes(orders, format, compression, indent));
+        return;
+    }
+    const CSerializationContext& ctx = WriteContext();
+    Guarded([&] {
+        switch (format) {
+            case Format::Xml:
+                orders.ToXmlFile(path.c_str(), true, indent, XmlEncoding_UTF8, EOLType_LF, ctx,
+                                 compression);
+                break;
+            case Format::Json:
+                orders.ToJsonFile(path.c_str(), indent, XmlEncoding_UTF8, EOLType_LF, ctx,
+                                  compression);
+                break;
+            case Format::FastInfoset:
+                orders.ToFastInfosetFile(path.c_str(), FInfoDecl_None, ctx, compression);
+                break;
+        }
+    });
+}
+
+}  // namespace kxxml
