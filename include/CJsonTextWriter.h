@@ -20,7 +20,10 @@ namespace KxXmlLib16 {
 // states CollectionStart and CollectionEnd become one array (items under another name, such as
 // substitutes of an abstract type, start an array of their own), closed as soon as anything
 // else is written into the element; repeated elements without that framing become repeated
-// keys. Values of numeric and boolean item types are written unquoted.
+// keys. A framed item that holds only text or nothing opens no array (it is a repeated key
+// too); inside an array opened by an earlier item it becomes {"#text": value} or {}, so that
+// every array member reads back as an element. Values of numeric and boolean item types are
+// written unquoted.
 // Misuse throws CKxException; text already appended stays in the stream.
 class KX_EXPORT CJsonTextWriter : public CXmlWriter {
 public:

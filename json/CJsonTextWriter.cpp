@@ -477,10 +477,24 @@ void CJsonTextWriter::WriteEndElement() {
         context.SetContextState(ContextState_None);
     }
     if (m_bareElement) {
-        // A text-only item of a collection, or an empty one, is the collection's first value:
-        // it opens the array.
-        if (EnclosingStartsArray(context)) OpenArray(context);
-        if (m_textPending) {
+        const CXmlWriterContext* parent = context.GetParent();
+        if (parent != nullptr && parent->GetContextState() == ContextState_InCollection) {
+            // A text-only or empty item inside an array opened by an earlier item is written
+            // as an object: the reader puts only the first plain value of an array into an
+            // element, and a null there would end the enclosing element instead.
+            m_out += '{';
+            if (m_textPending) {
+                LineBreak();
+                Indent(context.GetDepth() + 1);
+                PutTextKey();
+                WritePendingValue();
+                LineBreak();
+                Indent(context.GetDepth());
+            }
+            m_out += '}';
+        } else if (m_textPending) {
+            // A text-only first item opens no array: like repeated simple elements, it is a
+            // keyed value, and a later item with content opens the array under its own key.
             WritePendingValue();
         } else {
             // An element with nothing in it still needs a value to be JSON; null reads back

@@ -211,7 +211,7 @@ TEST(CJsonTextWriter, FramesClassCollectionsAsArraysAndRepeatsSimpleElements) {
          "{\n  \"Root\": {\n    \"Line\": [\n      {\n        \"@no\": \"1\",\n"
          "        \"Sub\": [\n          {\n            \"@s\": \"a\"\n          }\n"
          "        ]\n      }\n    ]\n  }\n}"},
-        {"empty items become nulls in the array",
+        {"empty items open no array and become repeated nulls",
          [](CJsonTextWriter& w) {
              Start(w, "Order");
              State(w, kFirst);
@@ -222,8 +222,8 @@ TEST(CJsonTextWriter, FramesClassCollectionsAsArraysAndRepeatsSimpleElements) {
              State(w, kLast);
              End(w);
          },
-         Settings(), "{\n  \"Order\": {\n    \"Line\": [\n      null,\n      null\n    ]\n  }\n}"},
-        {"text-only items become values in the array",
+         Settings(), "{\n  \"Order\": {\n    \"Line\": null,\n    \"Line\": null\n  }\n}"},
+        {"text-only items open no array and become repeated keys",
          [](CJsonTextWriter& w) {
              Start(w, "Order");
              State(w, kFirst);
@@ -232,7 +232,23 @@ TEST(CJsonTextWriter, FramesClassCollectionsAsArraysAndRepeatsSimpleElements) {
              State(w, kLast);
              End(w);
          },
-         Flat(), "{\"Order\": {\"Line\": [\"a\",\"b\"]}}"},
+         Flat(), "{\"Order\": {\"Line\": \"a\",\"Line\": \"b\"}}"},
+        {"text-only and empty items after an item with content are objects in the array",
+         [](CJsonTextWriter& w) {
+             Start(w, "Order");
+             State(w, kFirst);
+             Start(w, "Line");
+             Attr(w, "no", "1");
+             End(w);
+             Leaf(w, "Line", "b");
+             Start(w, "Line");
+             End(w);
+             State(w, kLast);
+             End(w);
+         },
+         Settings(),
+         "{\n  \"Order\": {\n    \"Line\": [\n      {\n        \"@no\": \"1\"\n      },\n"
+         "      {\n        \"#text\": \"b\"\n      },\n      {}\n    ]\n  }\n}"},
         {"repeated simple elements without framing are repeated keys",
          [](CJsonTextWriter& w) {
              Start(w, "Line");
