@@ -45,6 +45,9 @@ const char kUsage[] =
     "  --zlib               Compress the output with zlib.\n"
     "  --indent             Indent the output (the default).\n"
     "  --no-indent          Write the output without line breaks or indentation.\n"
+    "  --standard-json      Escape JSON output as standard JSON does (quotation marks,\n"
+    "                       backslashes, control characters) and decode every JSON escape\n"
+    "                       of JSON input; without it the library's lenient escaping.\n"
     "\n"
     "  -h, --help           Print this text.\n"
     "\n"
@@ -70,6 +73,7 @@ struct Options {
     Format format = Format::Xml;
     CompressionType compression = CompressionType_None;
     bool indent = true;
+    bool standardJson = false;
 };
 
 Format ParseFormat(const std::string& value) {
@@ -109,6 +113,8 @@ Options ParseCommandLine(const std::vector<std::string>& args) {
                 options.indent = true;
             } else if (arg == "--no-indent") {
                 options.indent = false;
+            } else if (arg == "--standard-json") {
+                options.standardJson = true;
             } else {
                 throw UsageError{"unknown option [" + arg + "]"};
             }
@@ -152,8 +158,8 @@ int Convert(const Options& options) {
     if (gz && compression == CompressionType_None) compression = CompressionType_GZip;
 
     CSmartPtr<COrders> orders(new COrders());
-    ReadDocument(*orders, in);
-    WriteDocument(*orders, out, format, compression, options.indent);
+    ReadDocument(*orders, in, options.standardJson);
+    WriteDocument(*orders, out, format, compression, options.indent, options.standardJson);
     const char* packing = compression == CompressionType_GZip   ? ", gzip"
                           : compression == CompressionType_ZLib ? ", zlib"
                                                                 : "";

@@ -47,13 +47,25 @@ void WriteBytes(const std::string& path, const CBinaryData& data) {
 
 }  // namespace
 
-const CSerializationContext& WriteContext() {
-    static const CSerializationContext context = [] {
+const CSerializationContext& WriteContext(bool standardJson) {
+    static const auto make = [](bool standard) {
         CSerializationContext c;
         c.SetDefaultNamespaceURI(KxOrders::kOrdersNamespace);
+        c.GetJsonContext()->SetStandardEscaping(standard);
+        return c;
+    };
+    static const CSerializationContext lenient = make(false);
+    static const CSerializationContext standard = make(true);
+    return standardJson ? standard : lenient;
+}
+
+const CSerializationContext& ReadContext(bool standardJson) {
+    static const CSerializationContext standard = [] {
+        CSerializationContext c;
+        c.GetJsonContext()->SetStandardEscaping(true);
         return c;
     }();
-    return context;
+    return standardJson ? standard : CSerializationContext::m_defaultContext;
 }
 
 const char* FormatName(Format format) {
@@ -96,18 +108,18 @@ std::string StripGz(const std::string& name, bool* hadGz) {
 
 int OrderCount(const COrders& orders) { return orders.m_orders->GetCount(); }
 
-void ReadDocument(COrders& orders, const std::string& path) {
+void ReadDocument(COrders& orders, const std::string& path, bool standardJson) {
     Guarded([&] {
         if (IsJsonName(path))
-            orders.FromJsonFile(path.c_str());
+            orders.FromJsonFile(path.c_str(), ReadContext(standardJson));
         else
             orders.FromXmlFile(path.c_str());
     });
 }
 
 CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compression,
-                    bool indent) {
-    const CSerializationContext& ctx = WriteContext();
+                    bool indent, bool standardJson) {
+    const CSerializationContext& ctx = WriteContext(standardJson);
     return Guarded([&] {
         switch (format) {
             case Format::Json:
@@ -121,12 +133,12 @@ CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compre
 }
 
 void WriteDocument(const COrders& orders, const std::string& path, Format format,
-                   CompressionType compression, bool indent) {
+                   CompressionType compression, bool indent, bool standardJson) {
     if (compression == CompressionType_ZLib) {
-        WriteBytes(path, ToBytes(orders, format, compression, indent));
+        WriteBytes(path, ToBytes(orders, format, compression, indent, standardJson));
         return;
     }
-    const CSerializationContext& ctx = WriteContext();
+    const CSerializationContext& ctx = WriteContext(standardJson);
     Guarded([&] {
         switch (format) {
             case Format::Xml:

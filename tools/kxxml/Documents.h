@@ -34,8 +34,11 @@ bool StartsWith(const std::string& text, const std::string& prefix);
 std::string StripGz(const std::string& name, bool* hadGz);
 
 // Options of every write: the schema's namespace as the default namespace, so that elements
-// carry no prefix, as in the documents the schema describes.
-const CSerializationContext& WriteContext();
+// carry no prefix, as in the documents the schema describes. With `standardJson` JSON is
+// written with standard (RFC 8259) escaping.
+const CSerializationContext& WriteContext(bool standardJson = false);
+// Options of every read: all defaults, or standard JSON escaping with `standardJson`.
+const CSerializationContext& ReadContext(bool standardJson = false);
 
 // The number of Order elements bound under the root.
 int OrderCount(const COrders& orders);
@@ -43,19 +46,20 @@ int OrderCount(const COrders& orders);
 // Reads `path` into `orders`: a name ending in .json or .json.gz as JSON, everything else
 // through the XML file entry point, which recognises compression and Fast Infoset itself.
 // Throws FormatNotAvailable for a format the library cannot read yet, and the library's
-// exceptions otherwise.
-void ReadDocument(COrders& orders, const std::string& path);
+// exceptions otherwise. `standardJson` reads JSON escapes as standard JSON does.
+void ReadDocument(COrders& orders, const std::string& path, bool standardJson = false);
 
 // The document in `format` as the stream entry points produce it (UTF-8, LF line ends, XML
-// with its declaration, the schema's namespace as the default namespace). Throws as ReadDocument.
+// with its declaration, the schema's namespace as the default namespace; JSON escaped the
+// standard way with `standardJson`). Throws as ReadDocument.
 CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compression,
-                    bool indent);
+                    bool indent, bool standardJson = false);
 
 // Writes the document to `path` through the file entry points; zlib output, which those refuse,
 // goes through the stream entry points. Throws as ReadDocument, and CKxException "Failed to
 // write data to the file [path]." when the file cannot be written.
 void WriteDocument(const COrders& orders, const std::string& path, Format format,
-                   CompressionType compression, bool indent);
+                   CompressionType compression, bool indent, bool standardJson = false);
 
 }  // namespace kxxml
 
