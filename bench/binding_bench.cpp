@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchSupport.h"
 #include "KxXmlLib16.h"
 #include "OrderBindings.h"
 
@@ -29,28 +30,7 @@ using KxOrders::COrders;
 
 namespace {
 
-const char kGenerator[] = KX_BENCH_GEN_SCRIPT;
 const int kSizeMb = 10;
-
-std::string Generate(std::string& failure) {
-    std::string document;
-    std::FILE* probe = std::fopen(kGenerator, "r");
-    if (probe == nullptr) {
-        failure = std::string("generator not found: ") + kGenerator;
-        return document;
-    }
-    std::fclose(probe);
-    const std::string command = "python3 '" + std::string(kGenerator) + "' " +
-                                std::to_string(kSizeMb) + " 2>/dev/null";
-    if (std::FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[65536];
-        size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) document.append(buffer, got);
-        if (pclose(pipe) != 0) document.clear();
-    }
-    if (document.empty()) failure = "the generator failed: " + command;
-    return document;
-}
 
 size_t CountOccurrences(const std::string& text, const char* needle) {
     size_t count = 0;
@@ -85,7 +65,7 @@ const std::string& Document(std::string& error) {
     static bool done = false;
     if (!done) {
         done = true;
-        document = Generate(failure);
+        document = KxBench::GenerateOrdersDocument(kSizeMb, failure);
         if (!document.empty()) {
             failure = CheckBinding(document);
             if (!failure.empty()) document.clear();
@@ -201,23 +181,8 @@ BENCHMARK(BM_FromXml)->Name("Binding/FromXml")->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ToXml)->Name("Binding/ToXml")->Unit(benchmark::kMillisecond);
 
 // The console output, then the binding runs set against the tree and expat (CPU time).
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public KxBench::TimeKeepingReporter {
 public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.error_occurred) continue;
-            const std::string name = run.run_name.str();
-            // With repetitions the mean stands for the benchmark; otherwise its one run does.
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean") {
-                m_times[name] = run.GetAdjustedCPUTime();
-                m_fromMean.insert(name);
-            } else if (run.run_type == Run::RT_Iteration && m_fromMean.count(name) == 0) {
-                m_times[name] = run.GetAdjustedCPUTime();
-            }
-        }
-    }
-
     void Finalize() override {
         ConsoleReporter::Finalize();
         const double tree = Time("Binding/Tree");
@@ -235,14 +200,6 @@ public:
         }
     }
 
-private:
-    double Time(const std::string& name) const {
-        const auto found = m_times.find(name);
-        return found == m_times.end() ? 0 : found->second;
-    }
-
-    std::map<std::string, double> m_times;
-    std::set<std::string> m_fromMean;
 };
 
 }  // namespace

@@ -30,6 +30,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchSupport.h"
 #include "KxXmlLib16.h"
 #include "OrderBindings.h"
 
@@ -38,28 +39,7 @@ using KxOrders::COrders;
 
 namespace {
 
-const char kGenerator[] = KX_BENCH_GEN_SCRIPT;
 const int kSizeMb = 10;
-
-std::string Generate(std::string& failure) {
-    std::string document;
-    std::FILE* probe = std::fopen(kGenerator, "r");
-    if (probe == nullptr) {
-        failure = std::string("generator not found: ") + kGenerator;
-        return document;
-    }
-    std::fclose(probe);
-    const std::string command = "python3 '" + std::string(kGenerator) + "' " +
-                                std::to_string(kSizeMb) + " 2>/dev/null";
-    if (std::FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[65536];
-        size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) document.append(buffer, got);
-        if (pclose(pipe) != 0) document.clear();
-    }
-    if (document.empty()) failure = "the generator failed: " + command;
-    return document;
-}
 
 // The bound orders and the texts written from them, made once for every run.
 struct Inputs {
@@ -74,7 +54,7 @@ struct Inputs {
 // Binds the generated document, writes it both ways, and checks that each text reads back
 // into equal objects (a benchmark of a broken round trip would time the wrong work).
 void Prepare(Inputs& inputs) {
-    const std::string generated = Generate(inputs.failure);
+    const std::string generated = KxBench::GenerateOrdersDocument(kSizeMb, inputs.failure);
     if (generated.empty()) return;
     try {
         inputs.standard.GetJsonContext()->SetStandardEscaping(true);
@@ -197,47 +177,16 @@ BENCHMARK(BM_RapidJsonParse)->Name("Json/RapidJsonParse")->Unit(benchmark::kMill
 #endif
 
 // The console output, then JSON set against XML and against rapidjson (CPU time).
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public KxBench::TimeKeepingReporter {
 public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.error_occurred) continue;
-            const std::string name = run.run_name.str();
-            // With repetitions the mean stands for the benchmark; otherwise its one run does.
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean") {
-                m_times[name] = run.GetAdjustedCPUTime();
-                m_fromMean.insert(name);
-            } else if (run.run_type == Run::RT_Iteration && m_fromMean.count(name) == 0) {
-                m_times[name] = run.GetAdjustedCPUTime();
-            }
-        }
-    }
-
     void Finalize() override {
         ConsoleReporter::Finalize();
-        Ratio("Json/ToJson", "Json/ToXml", " (limit 1.5)");
-        Ratio("Json/ToJsonLenient", "Json/ToXml", " (limit 1.5)");
-        Ratio("Json/FromJson", "Json/FromXml", "");
-        Ratio("Json/FromJson", "Json/RapidJsonParse", "");
+        PrintRatio("Json/ToJson", "Json/ToXml", " (limit 1.5)");
+        PrintRatio("Json/ToJsonLenient", "Json/ToXml", " (limit 1.5)");
+        PrintRatio("Json/FromJson", "Json/FromXml", "");
+        PrintRatio("Json/FromJson", "Json/RapidJsonParse", "");
     }
 
-private:
-    void Ratio(const char* numerator, const char* denominator, const char* note) {
-        const double top = Time(numerator);
-        const double bottom = Time(denominator);
-        if (top <= 0 || bottom <= 0) return;
-        GetOutputStream() << numerator << " / " << denominator << " = " << top / bottom << note
-                          << "\n";
-    }
-
-    double Time(const std::string& name) const {
-        const auto found = m_times.find(name);
-        return found == m_times.end() ? 0 : found->second;
-    }
-
-    std::map<std::string, double> m_times;
-    std::set<std::string> m_fromMean;
 };
 
 }  // namespace

@@ -17,40 +17,19 @@
 #include <string>
 #include <vector>
 
+#include "BenchSupport.h"
 #include "KxXmlLib16.h"
 
 using namespace KxXmlLib16;
 
 namespace {
 
-const char kGenerator[] = KX_BENCH_GEN_SCRIPT;
 const int kSizeMb = 10;
 
 // The generated document, or empty with `error` set.
 const std::string& Document(std::string& error) {
-    static std::string document;
     static std::string failure;
-    static bool done = false;
-    if (!done) {
-        done = true;
-        std::FILE* probe = std::fopen(kGenerator, "r");
-        if (probe == nullptr) {
-            failure = std::string("generator not found: ") + kGenerator;
-        } else {
-            std::fclose(probe);
-            const std::string command = "python3 '" + std::string(kGenerator) + "' " +
-                                        std::to_string(kSizeMb) + " 2>/dev/null";
-            if (std::FILE* pipe = popen(command.c_str(), "r")) {
-                char buffer[65536];
-                size_t got;
-                while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-                    document.append(buffer, got);
-                }
-                if (pclose(pipe) != 0) document.clear();
-            }
-            if (document.empty()) failure = "the generator failed: " + command;
-        }
-    }
+    static const std::string document = KxBench::GenerateOrdersDocument(kSizeMb, failure);
     error = failure;
     return document;
 }
@@ -157,40 +136,19 @@ BENCHMARK(BM_LoadXmlStreamCLocale)
     ->Unit(benchmark::kMillisecond);
 
 // The console output, then the ratio (in CPU time) of each tree build to each expat run.
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public KxBench::TimeKeepingReporter {
 public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        // With repetitions the mean stands for the benchmark; otherwise its one run does.
-        for (const Run& run : runs) {
-            if (run.error_occurred) continue;
-            const std::string name = run.run_name.str();
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean") {
-                m_times[name] = run.GetAdjustedCPUTime();
-                m_fromMean.insert(name);
-            } else if (run.run_type == Run::RT_Iteration && m_fromMean.count(name) == 0) {
-                m_times[name] = run.GetAdjustedCPUTime();
-            }
-        }
-    }
-
     void Finalize() override {
         ConsoleReporter::Finalize();
         const char* const baselines[] = {"XmlLoad/ExpatBare", "XmlLoad/ExpatTrivial"};
-        for (const auto& entry : m_times) {
+        for (const auto& entry : Times()) {
             if (entry.first.find("LoadXmlStream") == std::string::npos) continue;
             for (const char* baseline : baselines) {
-                const auto found = m_times.find(baseline);
-                if (found == m_times.end() || found->second <= 0) continue;
-                GetOutputStream() << entry.first << " / " << baseline << " = "
-                                  << entry.second / found->second << "\n";
+                PrintRatio(entry.first, baseline);
             }
         }
     }
 
-private:
-    std::map<std::string, double> m_times;
-    std::set<std::string> m_fromMean;
 };
 
 }  // namespace

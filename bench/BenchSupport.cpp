@@ -1,0 +1,57 @@
+#include "BenchSupport.h"
+
+#include <cstdio>
+#include <ostream>
+
+namespace KxBench {
+
+std::string GenerateOrdersDocument(int sizeMb, std::string& failure) {
+    const char* const generator = KX_BENCH_GEN_SCRIPT;
+    std::string document;
+    std::FILE* probe = std::fopen(generator, "r");
+    if (probe == nullptr) {
+        failure = std::string("generator not found: ") + generator;
+        return document;
+    }
+    std::fclose(probe);
+    const std::string command =
+        "python3 '" + std::string(generator) + "' " + std::to_string(sizeMb) + " 2>/dev/null";
+    if (std::FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[65536];
+        size_t got;
+        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) document.append(buffer, got);
+        if (pclose(pipe) != 0) document.clear();
+    }
+    if (document.empty()) failure = "the generator failed: " + command;
+    return document;
+}
+
+void TimeKeepingReporter::ReportRuns(const std::vector<Run>& runs) {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+        if (run.error_occurred) continue;
+        const std::string name = run.run_name.str();
+        if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean") {
+            m_times[name] = run.GetAdjustedCPUTime();
+            m_fromMean.insert(name);
+        } else if (run.run_type == Run::RT_Iteration && m_fromMean.count(name) == 0) {
+            m_times[name] = run.GetAdjustedCPUTime();
+        }
+    }
+}
+
+double TimeKeepingReporter::Time(const std::string& name) const {
+    const auto found = m_times.find(name);
+    return found == m_times.end() ? 0 : found->second;
+}
+
+void TimeKeepingReporter::PrintRatio(const std::string& numerator,
+                                     const std::string& denominator, const char* note) {
+    const double top = Time(numerator);
+    const double bottom = Time(denominator);
+    if (top <= 0 || bottom <= 0) return;
+    GetOutputStream() << numerator << " / " << denominator << " = " << top / bottom << note
+                      << "\n";
+}
+
+}  // namespace KxBench
