@@ -9,6 +9,7 @@
 #include "CAttributeCol.h"
 #include "CElement.h"
 #include "CElementCol.h"
+#include "CFastInfosetWriter.h"
 #include "CFileBinaryStream.h"
 #include "CFileTextStream.h"
 #include "CJsonContext.h"
@@ -77,6 +78,19 @@ void WriteJsonDocument(const CXmlObjectBase& object, CTextStream& stream, bool f
     writer.SetSupportRoundtrip(json->GetSupportRoundtrip());
     writer.SetStandardEscaping(json->GetStandardEscaping());
     writer.WriteStartDocument();
+    const std::string ns = object.GetNamespace();
+    object.ToXml_Int(&writer, true, ns.c_str(), ctx, false);
+    writer.WriteEndDocument();
+    writer.Close();
+}
+
+// Writes the whole Fast Infoset document of `object` into `stream`, with the Fast Infoset
+// options of `ctx`.
+void WriteFastInfosetDocument(const CXmlObjectBase& object, CBinaryStream& stream,
+                              FInfoDecl declaration, const CSerializationContext& ctx) {
+    CFastInfosetWriter writer(stream, *ctx.GetFIContext());
+    writer.Open();
+    writer.WriteStartDocument(declaration);
     const std::string ns = object.GetNamespace();
     object.ToXml_Int(&writer, true, ns.c_str(), ctx, false);
     writer.WriteEndDocument();
@@ -226,10 +240,13 @@ void CXmlObjectBase::ToXmlFile(const char* path, bool includeHeader, bool format
     CFileBinaryStream(path, fileEncoding, bytes).ToFile();
 }
 
-void CXmlObjectBase::ToFastInfosetFile(const char*, FInfoDecl, const CSerializationContext&,
+void CXmlObjectBase::ToFastInfosetFile(const char* path, FInfoDecl declaration,
+                                       const CSerializationContext& ctx,
                                        CompressionType compression) const {
     RefuseZlibForFiles(compression);
-    throw CKxException("Fast Infoset output is not supported yet");
+    const CBinaryData bytes = ToFastInfosetStream(declaration, ctx, compression);
+    // Binary output: no byte-order mark whatever the text encodings say.
+    WriteDocumentFile(path, XmlEncoding_UTF8, compression, bytes);
 }
 
 void CXmlObjectBase::ToJsonFile(const char* path, bool formatted, XmlEncoding encoding,
@@ -269,9 +286,14 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
     return bytes;
 }
 
-CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl, const CSerializationContext&,
-                                                CompressionType) const {
-    throw CKxException("Fast Infoset output is not supported yet");
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration,
+                                                const CSerializationContext& ctx,
+                                                CompressionType compression) const {
+    CBinaryStream stream;
+    WriteFastInfosetDocument(*this, stream, declaration, ctx);
+    CBinaryData bytes = stream.GetBinaryStream();
+    if (compression != CompressionType_None) CKxZip::CompressData(bytes, compression);
+    return bytes;
 }
 
 CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eol,

@@ -64,8 +64,9 @@ public:
         XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
         CompressionType compression = CompressionType_None) const;
-    // Fast Infoset document to `path`. Refuses zlib compression as ToXmlFile does; for now
-    // throws CKxException "Fast Infoset output is not supported yet".
+    // Fast Infoset document to `path` (as ToFastInfosetStream, never streamed). Refuses zlib
+    // compression as ToXmlFile does; throws CKxException "Failed to write data to the file
+    // [path]." when the file cannot be written.
     virtual void ToFastInfosetFile(
         const char* path, FInfoDecl declaration = FInfoDecl_None,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
@@ -94,7 +95,9 @@ public:
         EOLType eol = EOLType_LF,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,
         CompressionType compression = CompressionType_None) const;
-    // For now throws CKxException "Fast Infoset output is not supported yet".
+    // The document as Fast Infoset bytes, with the options of the context's
+    // CFastInfosetContext and the chosen XML declaration (none by default), compressed when
+    // asked. Throws the Fast Infoset writer's CKxException value-encoding errors.
     virtual CBinaryData ToFastInfosetStream(
         FInfoDecl declaration = FInfoDecl_None,
         const CSerializationContext& ctx = CSerializationContext::m_defaultContext,

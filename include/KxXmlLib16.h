@@ -26,6 +26,7 @@
 #include "CFIVocabulary.h"
 #include "CFastInfosetBinaryData.h"
 #include "CFastInfosetContext.h"
+#include "CFastInfosetWriter.h"
 #include "CFileBinaryStream.h"
 #include "CFileTextStream.h"
 #include "CInstanceMonitor.h"

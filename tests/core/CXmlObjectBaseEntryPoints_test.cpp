@@ -541,7 +541,7 @@ TEST_F(CXmlObjectBaseEntryPoints, FromXmlElementReadsASubtreeTheCallerHolds) {
         "The element to read from is NULL");
 }
 
-TEST_F(CXmlObjectBaseEntryPoints, JsonAndFastInfosetFormsAreNotAvailableYet) {
+TEST_F(CXmlObjectBaseEntryPoints, JsonInputFormsRefuseEmptyInput) {
     const std::string path = TmpPath("entry_points_later.out");
     std::remove(path.c_str());
     CSmartPtr<Order> order = SampleOrder();
@@ -551,15 +551,6 @@ TEST_F(CXmlObjectBaseEntryPoints, JsonAndFastInfosetFormsAreNotAvailableYet) {
         const char* message;
     };
     const Case cases[] = {
-        {"ToFastInfosetStream", [&] { order->ToFastInfosetStream(); },
-         "Fast Infoset output is not supported yet"},
-        {"ToFastInfosetFile gzip",
-         [&] {
-             order->ToFastInfosetFile(path.c_str(), FInfoDecl_None,
-                                      CSerializationContext::m_defaultContext,
-                                      CompressionType_GZip);
-         },
-         "Fast Infoset output is not supported yet"},
         {"FromJson empty", [&] { order->FromJson(""); }, "JSON String is empty!"},
         {"FromJsonStream empty", [&] { order->FromJsonStream(CBinaryData()); },
          "JSON Stream is empty!"},
@@ -569,6 +560,51 @@ TEST_F(CXmlObjectBaseEntryPoints, JsonAndFastInfosetFormsAreNotAvailableYet) {
         KxTest::ExpectKxError<CKxException>(row.call, row.message);
     }
     EXPECT_FALSE(FileExists(path));
+}
+
+TEST_F(CXmlObjectBaseEntryPoints, FastInfosetFormsWriteTheBinaryDocument) {
+    CSmartPtr<Order> order = SampleOrder();
+    const std::string path = TmpPath("entry_points.finf");
+    struct Case {
+        const char* name;
+        std::function<std::string()> write;
+        std::string prefix;  // the first bytes of the output
+    };
+    const Case cases[] = {
+        {"stream, no declaration",
+         [&] {
+             const CBinaryData bytes = order->ToFastInfosetStream();
+             return std::string(reinterpret_cast<const char*>(bytes.GetData()),
+                                bytes.GetLength());
+         },
+         std::string("\xE0\x00\x00\x01\x00", 5)},
+        {"stream with a declaration",
+         [&] {
+             const CBinaryData bytes = order->ToFastInfosetStream(FInfoDecl_4);
+             return std::string(reinterpret_cast<const char*>(bytes.GetData()),
+                                bytes.GetLength());
+         },
+         std::string("<?xml version='1.0' encoding='finf'?>\xE0\x00\x00\x01", 41)},
+        {"gzip file",
+         [&] {
+             order->ToFastInfosetFile(path.c_str(), FInfoDecl_None,
+                                      CSerializationContext::m_defaultContext,
+                                      CompressionType_GZip);
+             return ReadFileBytes(path);
+         },
+         std::string("\x1F\x8B")},
+        {"plain file",
+         [&] {
+             order->ToFastInfosetFile(path.c_str());
+             return ReadFileBytes(path);
+         },
+         std::string("\xE0\x00\x00\x01\x00", 5)},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const std::string bytes = row.write();
+        EXPECT_EQ(row.prefix, bytes.substr(0, row.prefix.size()));
+    }
 }
 
 TEST_F(CXmlObjectBaseEntryPoints, StaticForwardersReachTheVirtualHooks) {
