@@ -162,6 +162,9 @@ public:
     const NamespaceMap& GetNamespaceMap() const;
 
 protected:
+    // The line break of an EOL type ("\r\n" or "\n"); throws CKxException "Invalid EOL
+    // type." for any other value.
+    static const char* EndOfLineFor(EOLType type);
     // The innermost open element, or null.
     CXmlWriterContext* GetCurrentContext() const;
     // Opens a context for an element and makes it current: a root context built from the

@@ -566,16 +566,7 @@ void CJsonTextWriter::SetIndentChars(const char* chars) {
 
 EOLType CJsonTextWriter::GetEOLType() const { return m_eolType; }
 void CJsonTextWriter::SetEOLType(EOLType type) {
-    switch (type) {
-        case EOLType_CRLF:
-            m_endOfLine = "\r\n";
-            break;
-        case EOLType_LF:
-            m_endOfLine = "\n";
-            break;
-        default:
-            throw CKxException("Invalid EOL type.");
-    }
+    m_endOfLine = EndOfLineFor(type);
     m_eolType = type;
 }
 

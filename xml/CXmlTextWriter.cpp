@@ -449,16 +449,7 @@ void CXmlTextWriter::SetFormat(bool format) { m_format = format; }
 EOLType CXmlTextWriter::GetEOLType() const { return m_eolType; }
 
 void CXmlTextWriter::SetEOLType(EOLType type) {
-    switch (type) {
-        case EOLType_CRLF:
-            m_endOfLine = "\r\n";
-            break;
-        case EOLType_LF:
-            m_endOfLine = "\n";
-            break;
-        default:
-            throw CKxException("Invalid EOL type.");
-    }
+    m_endOfLine = EndOfLineFor(type);
     m_eolType = type;
 }
 

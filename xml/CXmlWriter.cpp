@@ -250,4 +250,12 @@ void CXmlWriter::PopContext() {
     }
 }
 
+const char* CXmlWriter::EndOfLineFor(EOLType type) {
+    switch (type) {
+    case EOLType_CRLF: return "\r\n";
+    case EOLType_LF: return "\n";
+    default: throw CKxException("Invalid EOL type.");
+    }
+}
+
 }  // namespace KxXmlLib16
