@@ -173,4 +173,16 @@ void CAddress::InvokeProperty(int memberId, bool get, KxVariant& value) {
     }
 }
 
+// ---- Fast Infoset vocabulary ----------------------------------------------------------------
+
+void AddFlatVocabulary(CFIVocabulary& vocabulary, const char* prefix) {
+    static const char* const elements[] = {"Line",    "Sku",  "Quantity", "Note",   "Tag",
+                                           "Payment", "Card", "Invoice",  "Address", "Street",
+                                           "City",    "Country"};
+    const std::string elementPrefix = prefix != nullptr ? prefix : "";
+    for (const char* name : elements) vocabulary.AddElement(elementPrefix, kNs, name);
+    vocabulary.AddAttribute("", "", "id");
+    vocabulary.AddAttribute("xsi", "http://www.w3.org/2001/XMLSchema-instance", "nil");
+}
+
 }  // namespace KxExamples

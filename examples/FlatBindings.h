@@ -70,6 +70,12 @@ public:
     bool m_hasStreet = false, m_hasCity = false, m_hasCountry = false;
 };
 
+// Enters the names of these classes in a Fast Infoset vocabulary, as generated code does at
+// start-up (see KxOrders::AddOrderVocabulary): the element names in urn:bench:orders under
+// `prefix` ("" when it is the writer's default namespace), the attribute id without a prefix,
+// and xsi:nil under "xsi" for the nillable Quantity. Never throws.
+void AddFlatVocabulary(CFIVocabulary& vocabulary, const char* prefix = "");
+
 }  // namespace KxExamples
 
 #endif

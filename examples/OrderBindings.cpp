@@ -763,4 +763,19 @@ bool COrders::operator==(const COrders& o) const {
            SameOptional(m_hasCount, m_count, o.m_hasCount, o.m_count);
 }
 
+// ---- Fast Infoset vocabulary -------------------------------------------------------------------
+
+void AddOrderVocabulary(CFIVocabulary& vocabulary, const char* prefix) {
+    static const char* const elements[] = {
+        "Orders", "Order", "OrderDate", "Customer", "Name", "Email", "Phone", "BillingAddress",
+        "ShippingAddress", "Street", "City", "PostalCode", "Country", "Line", "Sku",
+        "Description", "Quantity", "UnitPrice", "Weight", "Taxable", "Card", "Holder", "Number",
+        "Expiry", "Invoice", "Reference", "DueDate", "Tag", "Total", "Note"};
+    static const char* const attributes[] = {"generated", "count", "id", "seq", "status",
+                                             "vip", "no", "brand", "terms"};
+    const std::string elementPrefix = prefix != nullptr ? prefix : "";
+    for (const char* name : elements) vocabulary.AddElement(elementPrefix, kNs, name);
+    for (const char* name : attributes) vocabulary.AddAttribute("", "", name);
+}
+
 }  // namespace KxOrders

@@ -247,6 +247,13 @@ public:
 
 #undef KX_ORDERS_GENERATED_CLASS
 
+// Enters the schema's names in a Fast Infoset vocabulary, as generated code does once at
+// start-up into CFastInfosetContext::GetVocabulary() (used with SetUseGeneratedVocabulary):
+// every element name in the schema's namespace under `prefix` (the prefix the writing context
+// gives that namespace; "" when it is the default namespace), and the unqualified attribute
+// names. Never throws.
+void AddOrderVocabulary(CFIVocabulary& vocabulary, const char* prefix = "");
+
 }  // namespace KxOrders
 
 #endif

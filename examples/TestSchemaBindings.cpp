@@ -753,4 +753,23 @@ void CAnyAll::InvokeProperty(int memberId, bool get, KxVariant& value) {
     }
 }
 
+// ---- Fast Infoset vocabulary ----------------------------------------------------------------
+
+void AddTestSchemaVocabulary(CFIVocabulary& vocabulary, const char* prefix) {
+    static const char* const elements[] = {
+        "SeqHolder", "ChoiceHolder", "AllHolder", "Tree",   "Branch",  "Box",    "NilHolder",
+        "AnySeq",    "AnyChoice",    "AnyAll",    "Part",   "OptPart", "ListPart", "NilPart",
+        "Maybe",     "Plain",        "Vehicle",   "Car",    "Bike",    "Make",   "Seats",
+        "Gears",     "Shape",        "ShapeItem", "Circle", "Square",  "Label",  "Radius",
+        "Side",      "Value",        "Note",      "Width",  "Height",  "Name",   "Head"};
+    const std::string elementPrefix = prefix != nullptr ? prefix : "";
+    for (const char* name : elements) vocabulary.AddElement(elementPrefix, kTestNs, name);
+    vocabulary.AddElement("", "", "Comment");
+    vocabulary.AddElement("", "", "LocalPart");
+    for (const char* name : {"code", "unit", "id"}) vocabulary.AddAttribute("", "", name);
+    const char* const xsi = "http://www.w3.org/2001/XMLSchema-instance";
+    vocabulary.AddAttribute("xsi", xsi, "type");
+    vocabulary.AddAttribute("xsi", xsi, "nil");
+}
+
 }  // namespace KxTestSchema

@@ -336,6 +336,14 @@ public:
 
 #undef KX_TS_GENERATED_CLASS
 
+// Enters the schema's names in a Fast Infoset vocabulary, as generated code does once at
+// start-up (see CFastInfosetContext::GetVocabulary and SetUseGeneratedVocabulary): the element
+// names of urn:kx:test under `prefix` (the writer's prefix of that namespace, "" when it is the
+// default namespace), the unqualified elements Comment and LocalPart, the unqualified
+// attributes, and xsi:type and xsi:nil under "xsi". The wildcards' foreign names are not part
+// of the schema and stay out. Never throws.
+void AddTestSchemaVocabulary(CFIVocabulary& vocabulary, const char* prefix = "");
+
 }  // namespace KxTestSchema
 
 #endif

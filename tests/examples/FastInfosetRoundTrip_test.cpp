@@ -1,0 +1,526 @@
+// Round trips of the sample bindings through Fast Infoset: an object written with
+// ToFastInfosetStream and read back with FromXmlStream must equal the original field by field
+// and write the same XML, whatever the compression, the value encodings and the vocabulary.
+#include <cstdio>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "FlatBindings.h"
+#include "KxTestSupport.h"
+#include "KxXmlLib16.h"
+#include "OrderBindings.h"
+#include "TestSchemaBindings.h"
+
+using namespace KxXmlLib16;
+
+namespace {
+
+const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+
+using Factory = std::function<CSmartPtr<CXmlObjectBase>()>;
+using Equality = std::function<bool(const CXmlObjectBase&, const CXmlObjectBase&)>;
+using AddVocabulary = void (*)(CFIVocabulary&, const char*);
+
+template <typename T>
+Factory Make() {
+    return [] { return CSmartPtr<CXmlObjectBase>(new T()); };
+}
+
+// Both objects are of class T and equal by T's operator==.
+template <typename T>
+Equality ByOperator() {
+    return [](const CXmlObjectBase& a, const CXmlObjectBase& b) {
+        const T* x = dynamic_cast<const T*>(&a);
+        const T* y = dynamic_cast<const T*>(&b);
+        return x != nullptr && y != nullptr && *x == *y;
+    };
+}
+
+template <typename T>
+bool SameChild(const CSmartPtr<T>& a, const CSmartPtr<T>& b) {
+    if (a == nullptr || b == nullptr) return a == b;
+    return *a == *b;
+}
+
+// Field-by-field equality of the classes that have no operator==.
+bool SameBranchFields(const KxTestSchema::CBranch& x, const KxTestSchema::CBranch& y) {
+    return SameChild(x.m_part, y.m_part);
+}
+bool SameBranch(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    return SameBranchFields(dynamic_cast<const KxTestSchema::CBranch&>(a),
+                            dynamic_cast<const KxTestSchema::CBranch&>(b));
+}
+bool SameTree(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxTestSchema::CTree&>(a);
+    const auto& y = dynamic_cast<const KxTestSchema::CTree&>(b);
+    if (x.m_branch == nullptr || y.m_branch == nullptr) return x.m_branch == y.m_branch;
+    return SameBranchFields(*x.m_branch, *y.m_branch);
+}
+bool SameBox(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxTestSchema::CBox&>(a);
+    const auto& y = dynamic_cast<const KxTestSchema::CBox&>(b);
+    return x.m_name == y.m_name && x.m_hasName == y.m_hasName && x.m_id == y.m_id &&
+           x.m_hasId == y.m_hasId && x.m_comment == y.m_comment &&
+           x.m_hasComment == y.m_hasComment && SameChild(x.m_dimensions, y.m_dimensions) &&
+           SameChild(x.m_localPart, y.m_localPart);
+}
+bool SameNilHolder(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxTestSchema::CNilHolder&>(a);
+    const auto& y = dynamic_cast<const KxTestSchema::CNilHolder&>(b);
+    return SameChild(x.m_maybe, y.m_maybe) && x.m_plainNil == y.m_plainNil &&
+           SameChild(x.m_plain, y.m_plain);
+}
+bool SameFlatLine(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxExamples::CLine&>(a);
+    const auto& y = dynamic_cast<const KxExamples::CLine&>(b);
+    if (x.m_tags->GetCount() != y.m_tags->GetCount()) return false;
+    for (int i = 0; i < x.m_tags->GetCount(); ++i)
+        if (x.m_tags->Item(i) != y.m_tags->Item(i)) return false;
+    return x.m_sku == y.m_sku && x.m_hasSku == y.m_hasSku && x.m_quantity == y.m_quantity &&
+           x.m_hasQuantity == y.m_hasQuantity && x.m_quantityNil == y.m_quantityNil &&
+           x.m_note == y.m_note && x.m_hasNote == y.m_hasNote && x.m_id == y.m_id &&
+           x.m_hasId == y.m_hasId;
+}
+bool SameFlatPayment(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxExamples::CPayment&>(a);
+    const auto& y = dynamic_cast<const KxExamples::CPayment&>(b);
+    return x.m_card == y.m_card && x.m_hasCard == y.m_hasCard && x.m_invoice == y.m_invoice &&
+           x.m_hasInvoice == y.m_hasInvoice;
+}
+bool SameFlatAddress(const CXmlObjectBase& a, const CXmlObjectBase& b) {
+    const auto& x = dynamic_cast<const KxExamples::CAddress&>(a);
+    const auto& y = dynamic_cast<const KxExamples::CAddress&>(b);
+    return x.m_street == y.m_street && x.m_city == y.m_city && x.m_country == y.m_country &&
+           x.m_hasStreet == y.m_hasStreet && x.m_hasCity == y.m_hasCity &&
+           x.m_hasCountry == y.m_hasCountry;
+}
+// The wildcard classes hold untyped trees, compared through the XML they write.
+bool ByXmlOnly(const CXmlObjectBase&, const CXmlObjectBase&) { return true; }
+
+// A text of `length` bytes (UTF-8, repeating non-ASCII characters), to cross the length forms.
+std::string LongText(size_t length) {
+    const std::string unit = "Grüße aus 東京, ";
+    std::string text;
+    while (text.size() + unit.size() <= length) text += unit;
+    return text + std::string(length - text.size(), 'x');
+}
+
+// Three orders: both payment branches, optional members present and absent, repeated tags and
+// attribute values, number and date forms at their limits, long and non-ASCII text, and
+// characters that XML text would escape.
+const std::string kOrders =
+    "<Orders xmlns=\"urn:bench:orders\" generated=\"2024-03-01T08:00:00Z\" count=\"3\">"
+    "<Order id=\"A-1\" seq=\"1\" status=\"pending\"><OrderDate>2024-03-01T10:15:30-01:00"
+    "</OrderDate><Customer id=\"C-1\" vip=\"true\"><Name>Anna Müller</Name>"
+    "<Email>anna@example.com</Email><Phone>+49 30 1234</Phone><BillingAddress>"
+    "<Street>Hauptstraße 5</Street><City>Köln</City><PostalCode>50667</PostalCode>"
+    "<Country>DE</Country></BillingAddress><ShippingAddress><Street>Ring 1</Street>"
+    "<City>東京</City><PostalCode>100-0001</PostalCode><Country>JP</Country>"
+    "</ShippingAddress></Customer>"
+    "<Line no=\"1\"><Sku>SKU-1</Sku><Description>Tea &amp; biscuits &lt;large&gt; 🍵"
+    "</Description><Quantity>2147483647</Quantity><UnitPrice>123456789012345678901.25"
+    "</UnitPrice><Weight>1.25E300</Weight><Taxable>true</Taxable></Line>"
+    "<Line no=\"2\"><Sku>SKU-1</Sku><Description>" + LongText(65) + "</Description>"
+    "<Quantity>-2147483648</Quantity><UnitPrice>-0.5</UnitPrice><Weight>-INF</Weight>"
+    "<Taxable>false</Taxable></Line>"
+    "<Line no=\"3\"><Sku>SKU-3</Sku><Description>" + LongText(400) + "</Description>"
+    "<Quantity>0</Quantity><UnitPrice>0</UnitPrice><Weight>1.5E-1</Weight>"
+    "<Taxable>true</Taxable></Line>"
+    "<Card brand=\"VISA\"><Holder>Anna Müller</Holder><Number>4111111111111111</Number>"
+    "<Expiry>2027-09-30</Expiry></Card><Tag>gift</Tag><Tag>gift</Tag><Tag>express</Tag>"
+    "<Tag>gift</Tag><Total>33.00</Total><Note>  Ring twice\n&amp; say \"hi\"  </Note></Order>"
+    "<Order id=\"A-2\" seq=\"2\" status=\"pending\"><OrderDate>2024-03-02T09:00:00</OrderDate>"
+    "<Customer id=\"C-2\" vip=\"false\"><Name>Bob</Name><Email>bob@example.com</Email>"
+    "<BillingAddress><Street>1 Main St</Street><City>Köln</City><PostalCode>12345"
+    "</PostalCode><Country>DE</Country></BillingAddress></Customer>"
+    "<Line no=\"1\"><Sku>SKU-1</Sku><Description/><Quantity>4</Quantity>"
+    "<UnitPrice>8</UnitPrice><Weight>INF</Weight><Taxable>1</Taxable></Line>"
+    "<Invoice terms=\"30\"><Reference>INV-7</Reference><DueDate>2024-04-01Z</DueDate>"
+    "</Invoice><Total>199.99</Total></Order>"
+    "<Order id=\"A-3\" seq=\"-3\" status=\"cancelled\"><OrderDate>0001-01-01T00:00:00"
+    "</OrderDate><Customer id=\"C-3\"><Name>山田 太郎</Name><Email>taro@example.jp</Email>"
+    "<BillingAddress><Street>1-1 Chiyoda</Street><City>東京</City><PostalCode>100-0001"
+    "</PostalCode><Country>JP</Country></BillingAddress></Customer>"
+    "<Line no=\"1\"><Sku>SKU-4</Sku><Description>Book \"Kokoro\"</Description>"
+    "<Quantity>1</Quantity><UnitPrice>15</UnitPrice><Weight>0</Weight>"
+    "<Taxable>false</Taxable></Line><Invoice terms=\"0\"><Reference>INV-8</Reference>"
+    "<DueDate>2024-03-31-05:00</DueDate></Invoice><Tag>日本</Tag><Total>15</Total></Order>"
+    "</Orders>";
+
+std::string OrdersDoc(const std::string& root, const std::string& body,
+                      const std::string& attributes = "") {
+    return "<" + root + " xmlns=\"urn:bench:orders\"" + attributes + ">" + body + "</" + root +
+           ">";
+}
+
+std::string TestDoc(const std::string& root, const std::string& body,
+                    const std::string& attributes = "") {
+    return "<" + root + " xmlns=\"urn:kx:test\" xmlns:xsi=\"" + kXsi + "\"" + attributes + ">" +
+           body + "</" + root + ">";
+}
+
+// `count` items made by `item(i)`, concatenated.
+std::string Repeated(int count, const std::function<std::string(int)>& item) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += item(i);
+    return text;
+}
+
+const std::string kCar = "<Car><Make>VW</Make><Seats>5</Seats></Car>";
+const std::string kBike = "<Bike><Make>BMX 🚲</Make><Gears>1</Gears></Bike>";
+const std::string kPart = "<Part code=\"p\"><Value>1</Value><Note>Naïve</Note></Part>";
+
+// Fast Infoset documents at least this long shrink under gzip; the gzip variants skip the
+// smaller ones.
+const unsigned long kMinCompressible = 256;
+
+struct Case {
+    const char* what;
+    Factory make;
+    std::string xml;  // the original object is read from this document
+    Equality equal;
+};
+
+// What one schema's round trips share: the namespace written as the default one, the function
+// generated code would call to fill the vocabulary, and the vocabulary's URI.
+struct Schema {
+    const char* ns;
+    AddVocabulary addVocabulary;
+    const char* vocabularyUri;
+};
+
+// One way of writing and reading.
+struct Variant {
+    const char* name;
+    CompressionType compression;
+    bool suggested;      // SetSuggestedValues: binary encodings and restricted alphabets
+    bool vocabulary;     // the schema's generated vocabulary on both sides
+    const char* prefix;  // of the schema's namespace ("" default namespace, null invented)
+};
+
+const Variant kVariants[] = {
+    {"plain", CompressionType_None, false, false, ""},
+    {"gzip", CompressionType_GZip, false, false, ""},
+    {"plain, suggested", CompressionType_None, true, false, ""},
+    {"gzip, suggested", CompressionType_GZip, true, false, ""},
+    {"plain, vocabulary", CompressionType_None, false, true, ""},
+    {"gzip, suggested, vocabulary", CompressionType_GZip, true, true, ""},
+    {"plain, suggested, vocabulary", CompressionType_None, true, true, ""},
+    {"alias", CompressionType_None, false, false, "k"},
+    {"alias, suggested, vocabulary", CompressionType_None, true, true, "k"},
+    {"invented prefixes", CompressionType_None, false, false, nullptr},
+    // The vocabulary's names then miss the writer's prefix: only their parts are shared.
+    {"invented prefixes, suggested, vocabulary", CompressionType_None, true, true, nullptr},
+};
+
+// The writing and reading context of a variant (`withVocabulary` overrides the variant's).
+CSerializationContext ContextOf(const Schema& schema, const Variant& variant,
+                                bool withVocabulary) {
+    CSerializationContext ctx;
+    if (variant.prefix != nullptr) {
+        if (*variant.prefix == '\0') {
+            ctx.SetDefaultNamespaceURI(schema.ns);
+        } else {
+            ctx.GetNamespaceAliases().Add(variant.prefix, schema.ns);
+        }
+        ctx.GetNamespaceAliases().Add("xsi", kXsi);
+    }
+    CFastInfosetContext& fi = *ctx.GetFIContext();
+    if (variant.suggested) fi.SetSuggestedValues();
+    if (withVocabulary) {
+        schema.addVocabulary(fi.GetVocabulary(), variant.prefix ? variant.prefix : "");
+        fi.SetUseGeneratedVocabulary(true);
+        fi.SetExternalVocabularyURI(schema.vocabularyUri);
+    }
+    return ctx;
+}
+
+std::string Hex(const CBinaryData& data, unsigned long count) {
+    std::string out;
+    char buffer[4];
+    for (unsigned long i = 0; i < count && i < data.GetLength(); ++i) {
+        std::snprintf(buffer, sizeof buffer, "%02x", data.GetData()[i]);
+        out += buffer;
+    }
+    return out;
+}
+
+void RunRoundTrips(const Schema& schema, const Case* begin, const Case* end) {
+    KxTest::ScopedLocale utf8(LC_ALL, "C.UTF-8");
+    ASSERT_TRUE(utf8.Ok()) << "no C.UTF-8 locale";
+    for (const Case* row = begin; row != end; ++row) {
+        for (const Variant& variant : kVariants) {
+            SCOPED_TRACE(std::string(row->what) + ", " + variant.name);
+            const CSerializationContext ctx = ContextOf(schema, variant, variant.vocabulary);
+            CSmartPtr<CXmlObjectBase> original = row->make();
+            CSmartPtr<CXmlObjectBase> back = row->make();
+            CBinaryData bytes;
+            try {
+                original->FromXml(row->xml.c_str());
+                // gzip refuses data that does not shrink, which small documents do not.
+                if (variant.compression != CompressionType_None &&
+                    original->ToFastInfosetStream(FInfoDecl_None, ctx).GetLength() <
+                        kMinCompressible)
+                    continue;
+                bytes = original->ToFastInfosetStream(FInfoDecl_None, ctx, variant.compression);
+                back->FromXmlStream(bytes, ctx);
+            } catch (const CKxException& e) {
+                ADD_FAILURE() << e.GetFullMessage() << "\nbytes: " << Hex(bytes, 4096);
+                continue;
+            }
+            EXPECT_EQ(Hex(bytes, 4),
+                      variant.compression == CompressionType_GZip ? "1f8b0800" : "e0000001");
+            EXPECT_TRUE(row->equal(*original, *back)) << Hex(bytes, 4096);
+            EXPECT_EQ(original->ToXml(false, false, EOLType_LF, ctx),
+                      back->ToXml(false, false, EOLType_LF, ctx));
+            if (!variant.vocabulary || variant.compression != CompressionType_None) continue;
+
+            // The vocabulary saves the first occurrence of each name it holds.
+            const CSerializationContext without = ContextOf(schema, variant, false);
+            const CBinaryData plain = original->ToFastInfosetStream(FInfoDecl_None, without);
+            if (variant.prefix != nullptr) {
+                EXPECT_LT(bytes.GetLength(), plain.GetLength());
+            }
+            // A reader that lacks the vocabulary cannot make sense of the indexes.
+            CSmartPtr<CXmlObjectBase> blind = row->make();
+            try {
+                blind->FromXmlStream(bytes, without);
+                ADD_FAILURE() << "read without the vocabulary";
+            } catch (const CKxException& e) {
+                EXPECT_NE(e.GetFullMessage().find("vocabulary"), std::string::npos)
+                    << e.GetFullMessage();
+            }
+            // The right reference with an empty vocabulary behind it: the first index into
+            // the missing tables is out of range.
+            CSerializationContext empty = ContextOf(schema, variant, false);
+            empty.GetFIContext()->SetExternalVocabularyURI(schema.vocabularyUri);
+            try {
+                blind->FromXmlStream(bytes, empty);
+                ADD_FAILURE() << "read with an empty vocabulary";
+            } catch (const CKxException& e) {
+                EXPECT_EQ(e.GetFullMessage().find("Invalid Fast Infoset document: "), 0u)
+                    << e.GetFullMessage();
+            }
+        }
+    }
+}
+
+const Schema kOrdersSchema = {"urn:bench:orders", &KxOrders::AddOrderVocabulary,
+                              "urn:bench:orders:vocabulary"};
+const Schema kTestSchema = {"urn:kx:test", &KxTestSchema::AddTestSchemaVocabulary,
+                            "urn:kx:test:vocabulary"};
+const Schema kFlatSchema = {"urn:bench:orders", &KxExamples::AddFlatVocabulary,
+                            "urn:bench:orders:flat"};
+
+}  // namespace
+
+TEST(FastInfosetRoundTrip, OrderClassesReadBackEqual) {
+    using namespace KxOrders;
+    const std::string address =
+        "<Street>Rue de l'Église 3</Street><City>Paris</City><PostalCode>75001</PostalCode>"
+        "<Country>FR</Country>";
+    const Case cases[] = {
+        {"three orders", Make<COrders>(), kOrders, ByOperator<COrders>()},
+        {"order", Make<COrder>(),
+         OrdersDoc("Order",
+                   "<OrderDate>2024-01-02T03:04:05Z</OrderDate><Customer id=\"X\"><Name>N</Name>"
+                   "<Email>e</Email><BillingAddress>" + address + "</BillingAddress></Customer>"
+                   "<Line no=\"1\"><Sku>S</Sku><Description>d</Description><Quantity>1"
+                   "</Quantity><UnitPrice>1</UnitPrice><Weight>1</Weight><Taxable>true"
+                   "</Taxable></Line><Card brand=\"MC\"><Holder>H</Holder><Number>5</Number>"
+                   "<Expiry>2030-01-31</Expiry></Card><Total>1</Total>",
+                   " id=\"O\" seq=\"9\" status=\"shipped\""),
+         ByOperator<COrder>()},
+        {"customer", Make<CCustomer>(),
+         OrdersDoc("Customer",
+                   "<Name>Zoë</Name><Email>z@x</Email><Phone>0</Phone><BillingAddress>" +
+                       address + "</BillingAddress><ShippingAddress>" + address +
+                       "</ShippingAddress>",
+                   " id=\"Z\" vip=\"false\""),
+         ByOperator<CCustomer>()},
+        {"address", Make<CAddress>(), OrdersDoc("Address", address), ByOperator<CAddress>()},
+        {"line", Make<CLine>(),
+         OrdersDoc("Line",
+                   "<Sku>S</Sku><Description/><Quantity>0</Quantity><UnitPrice>-1.5</UnitPrice>"
+                   "<Weight>1E3</Weight><Taxable>false</Taxable>",
+                   " no=\"7\""),
+         ByOperator<CLine>()},
+        {"card", Make<CCard>(),
+         OrdersDoc("Card", "<Holder>Ann</Holder><Number>3700</Number><Expiry>2027-09-30"
+                           "</Expiry>", " brand=\"AMEX\""),
+         ByOperator<CCard>()},
+        {"invoice", Make<CInvoice>(),
+         OrdersDoc("Invoice", "<Reference>R</Reference><DueDate>2024-07-22</DueDate>",
+                   " terms=\"-30\""),
+         ByOperator<CInvoice>()},
+    };
+    RunRoundTrips(kOrdersSchema, std::begin(cases), std::end(cases));
+}
+
+TEST(FastInfosetRoundTrip, TestSchemaClassesReadBackEqual) {
+    using namespace KxTestSchema;
+    const Case cases[] = {
+        {"part", Make<CPart>(), TestDoc("Part", "<Value>-7</Value><Note>ñ</Note>", " code=\"c\""),
+         ByOperator<CPart>()},
+        {"nil part", Make<CNilPart>(), TestDoc("NilPart", "", " xsi:nil=\"true\""),
+         ByOperator<CNilPart>()},
+        {"circle", Make<CCircle>(), TestDoc("Circle", "<Label>ø</Label><Radius>3</Radius>"),
+         ByOperator<CCircle>()},
+        {"square", Make<CSquare>(), TestDoc("Square", "<Side>2</Side>"), ByOperator<CSquare>()},
+        {"car", Make<CCar>(), TestDoc("Car", "<Make>VW</Make><Seats>5</Seats>"),
+         ByOperator<CCar>()},
+        {"bike", Make<CBike>(), TestDoc("Bike", "<Make>BMX</Make><Gears>21</Gears>"),
+         ByOperator<CBike>()},
+        {"sequence, every kind", Make<CSeqHolder>(),
+         TestDoc("SeqHolder",
+                 kPart + "<OptPart><Value>2</Value></OptPart><ListPart><Value>3</Value>"
+                         "</ListPart><ListPart><Value>3</Value></ListPart>" +
+                     kCar +
+                     "<Shape xsi:type=\"Circle\"><Label>c</Label><Radius>7</Radius></Shape>"
+                     "<ShapeItem xsi:type=\"Square\"><Side>2</Side></ShapeItem>"
+                     "<ShapeItem xsi:type=\"Circle\"><Radius>3</Radius></ShapeItem>"),
+         ByOperator<CSeqHolder>()},
+        {"sequence, optional members absent", Make<CSeqHolder>(),
+         TestDoc("SeqHolder", "<Part><Value>1</Value></Part>" + kBike), ByOperator<CSeqHolder>()},
+        {"choice, class", Make<CChoiceHolder>(), TestDoc("ChoiceHolder", kPart),
+         ByOperator<CChoiceHolder>()},
+        {"choice, class collection", Make<CChoiceHolder>(),
+         TestDoc("ChoiceHolder",
+                 "<ListPart><Value>1</Value></ListPart><ListPart><Value>2</Value></ListPart>"),
+         ByOperator<CChoiceHolder>()},
+        // Enough distinct short values to take the value and chunk tables past the index
+        // forms of one and two octets.
+        {"choice, 300 parts", Make<CChoiceHolder>(),
+         TestDoc("ChoiceHolder", Repeated(300,
+                                          [](int i) {
+                                              return "<ListPart code=\"c" + std::to_string(i % 150) +
+                                                     "\"><Value>" + std::to_string(i) +
+                                                     "</Value><Note>n" + std::to_string(i % 97) +
+                                                     "</Note></ListPart>";
+                                          })),
+         ByOperator<CChoiceHolder>()},
+        {"choice, abstract class", Make<CChoiceHolder>(),
+         TestDoc("ChoiceHolder", "<Shape xsi:type=\"Square\"><Side>4</Side></Shape>"),
+         ByOperator<CChoiceHolder>()},
+        {"choice, substitution group collection", Make<CChoiceHolder>(),
+         TestDoc("ChoiceHolder", kBike + kCar + kBike), ByOperator<CChoiceHolder>()},
+        {"all, every kind in another order", Make<CAllHolder>(),
+         TestDoc("AllHolder",
+                 "<ShapeItem xsi:type=\"Square\"><Side>2</Side></ShapeItem>" + kBike +
+                     "<ListPart><Value>3</Value></ListPart><Shape xsi:type=\"Circle\">"
+                     "<Radius>7</Radius></Shape><OptPart><Value>2</Value></OptPart>" + kPart),
+         ByOperator<CAllHolder>()},
+        {"tree", Make<CTree>(),
+         TestDoc("Tree", "<Branch><Part code=\"c\"><Value>9</Value></Part></Branch>"), SameTree},
+        {"branch", Make<CBranch>(), TestDoc("Branch", "<Part><Value>8</Value></Part>"),
+         SameBranch},
+        {"box: group class, unqualified elements", Make<CBox>(),
+         TestDoc("Box",
+                 "<Name>crate</Name><Width>3</Width><Height>4</Height>"
+                 "<Comment xmlns=\"\">fragile ✓</Comment>"
+                 "<LocalPart xmlns=\"\"><Value xmlns=\"urn:kx:test\">5</Value></LocalPart>",
+                 " id=\"b1\" unit=\"cm\""),
+         SameBox},
+        {"box, mandatory members only", Make<CBox>(),
+         TestDoc("Box", "<Name>n</Name><Width>1</Width><Height>2</Height>"), SameBox},
+        {"nil holder, values", Make<CNilHolder>(),
+         TestDoc("NilHolder", "<Maybe><Value>1</Value></Maybe><Plain><Value>2</Value></Plain>"),
+         SameNilHolder},
+        {"nil holder, both nil", Make<CNilHolder>(),
+         TestDoc("NilHolder", "<Maybe xsi:nil=\"true\"/><Plain xsi:nil=\"true\"/>"),
+         SameNilHolder},
+        {"any in a sequence", Make<CAnySeq>(),
+         TestDoc("AnySeq",
+                 "<Head>h</Head><o:X xmlns:o=\"urn:kx:other\" a=\"1\" o:b=\"2\"><o:Y>y</o:Y>"
+                 "<o:Y>y</o:Y></o:X><loc xmlns=\"\">l</loc><e:E xmlns:e=\"urn:kx:extra\">1</e:E>"
+                 "<e:E xmlns:e=\"urn:kx:extra\">Ⅱ</e:E>"),
+         ByXmlOnly},
+        {"any in a choice", Make<CAnyChoice>(),
+         TestDoc("AnyChoice", "<n:One xmlns:n=\"urn:kx:one\"><n:V>1</n:V></n:One>"), ByXmlOnly},
+        {"any collection in a choice", Make<CAnyChoice>(),
+         TestDoc("AnyChoice",
+                 "<e:E xmlns:e=\"urn:kx:extra\">1</e:E><e:F xmlns:e=\"urn:kx:extra\">2</e:F>"),
+         ByXmlOnly},
+        {"any in an all group", Make<CAnyAll>(),
+         TestDoc("AnyAll",
+                 "<e:E xmlns:e=\"urn:kx:extra\">1</e:E><loc xmlns=\"\">l</loc>"
+                 "<n:One xmlns:n=\"urn:kx:one\">x</n:One>"),
+         ByXmlOnly},
+    };
+    RunRoundTrips(kTestSchema, std::begin(cases), std::end(cases));
+}
+
+TEST(FastInfosetRoundTrip, FlatClassesReadBackEqual) {
+    using namespace KxExamples;
+    const Case cases[] = {
+        {"line, every member", Make<CLine>(),
+         OrdersDoc("Line",
+                   "<Sku>A&amp;B</Sku><Quantity>3</Quantity><Note>n</Note><Tag>x</Tag>"
+                   "<Tag>x</Tag><Tag>ÿ</Tag>",
+                   " id=\"L1\""),
+         SameFlatLine},
+        {"line, 200 tags", Make<CLine>(),
+         OrdersDoc("Line",
+                   "<Sku>S</Sku><Quantity>1</Quantity>" +
+                       Repeated(200, [](int i) {
+                           return "<Tag>" + std::string(i % 3 == 0 ? "τ" : "t") +
+                                  std::to_string(i % 70) + "</Tag>";
+                       }),
+                   " id=\"L2\""),
+         SameFlatLine},
+        {"payment, card", Make<CPayment>(), OrdersDoc("Payment", "<Card>4111</Card>"),
+         SameFlatPayment},
+        {"payment, invoice", Make<CPayment>(), OrdersDoc("Payment", "<Invoice>I-1</Invoice>"),
+         SameFlatPayment},
+        {"address in another order", Make<CAddress>(),
+         OrdersDoc("Address", "<City>c</City><Country>IS</Country><Street>s</Street>"),
+         SameFlatAddress},
+    };
+    RunRoundTrips(kFlatSchema, std::begin(cases), std::end(cases));
+}
+
+// Every XML declaration the writer offers is skipped by the reader, in a stream and in a file.
+TEST(FastInfosetRoundTrip, DeclarationsAndFilesReadBack) {
+    KxTest::ScopedLocale utf8(LC_ALL, "C.UTF-8");
+    ASSERT_TRUE(utf8.Ok()) << "no C.UTF-8 locale";
+    KxOrders::COrders original;
+    original.FromXml(kOrders.c_str());
+    for (int decl = FInfoDecl_None; decl <= FInfoDecl_9; ++decl) {
+        SCOPED_TRACE(decl);
+        const CBinaryData bytes = original.ToFastInfosetStream(static_cast<FInfoDecl>(decl));
+        EXPECT_EQ(Hex(bytes, 5), decl == FInfoDecl_None ? "e000000100" : "3c3f786d6c");
+        KxOrders::COrders back;
+        try {
+            back.FromXmlStream(bytes);
+            EXPECT_TRUE(back == original);
+        } catch (const CKxException& e) {
+            ADD_FAILURE() << e.GetFullMessage();
+        }
+    }
+    struct FileCase {
+        const char* name;
+        FInfoDecl declaration;
+        CompressionType compression;
+    } files[] = {
+        {"orders.fi", FInfoDecl_None, CompressionType_None},
+        {"orders-decl.fi", FInfoDecl_5, CompressionType_None},
+        {"orders.fi.gz", FInfoDecl_4, CompressionType_GZip},
+    };
+    for (const FileCase& row : files) {
+        SCOPED_TRACE(row.name);
+        const std::string path = std::string(KX_TEST_TMP_DIR) + "/" + row.name;
+        std::remove(path.c_str());
+        KxOrders::COrders back;
+        try {
+            original.ToFastInfosetFile(path.c_str(), row.declaration,
+                                       CSerializationContext::m_defaultContext, row.compression);
+            back.FromXmlFile(path.c_str());
+            EXPECT_TRUE(back == original);
+        } catch (const CKxException& e) {
+            ADD_FAILURE() << e.GetFullMessage();
+        }
+        std::remove(path.c_str());
+    }
+}
