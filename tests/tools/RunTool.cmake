@@ -8,6 +8,7 @@ cmake_minimum_required(VERSION 3.16)
 #   FILE        a file the run must have written, checked with
 #   FILE_HEX    the hexadecimal form its first bytes must start with, and/or
 #   FILE_REGEX  a regular expression its text must match
+#   FILE_SAME   another file whose bytes it must equal
 string(REPLACE "|" ";" args "${ARGS}")
 if(DEFINED FILE)
   file(REMOVE "${FILE}")
@@ -49,6 +50,13 @@ if(DEFINED FILE)
       file(READ "${FILE}" content)
       if(NOT content MATCHES "${FILE_REGEX}")
         string(APPEND faults "${FILE} does not match [${FILE_REGEX}]\n")
+      endif()
+    endif()
+    if(DEFINED FILE_SAME)
+      execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files "${FILE}" "${FILE_SAME}"
+        RESULT_VARIABLE differ OUTPUT_QUIET ERROR_QUIET)
+      if(NOT differ EQUAL 0)
+        string(APPEND faults "${FILE} differs from ${FILE_SAME}\n")
       endif()
     endif()
   endif()

@@ -6,30 +6,6 @@ namespace kxxml {
 
 namespace {
 
-// The format named by an exception of an entry point that is not built yet ("JSON output is
-// not supported yet", "Fast Infoset input is not supported yet" ...), or null for any other
-// failure. The whole chain is searched, in case a caller wrapped it.
-const char* UnavailableFormat(const CKxException& e) {
-    for (const CKxException* cur = &e; cur != nullptr; cur = cur->GetInnerException()) {
-        const std::string message = cur->GetMessage();
-        if (!EndsWith(message, "is not supported yet")) continue;
-        if (StartsWith(message, "JSON ")) return "JSON";
-        if (StartsWith(message, "Fast Infoset ")) return "Fast Infoset";
-    }
-    return nullptr;
-}
-
-// Runs `action`, turning a "not supported yet" failure into FormatNotAvailable.
-template <typename Action>
-auto Guarded(Action action) -> decltype(action()) {
-    try {
-        return action();
-    } catch (const CKxException& e) {
-        if (const char* format = UnavailableFormat(e)) throw FormatNotAvailable{format};
-        throw;
-    }
-}
-
 bool IsJsonName(const std::string& path) {
     bool gz = false;
     return EndsWith(StripGz(path, &gz), ".json");
@@ -109,27 +85,23 @@ std::string StripGz(const std::string& name, bool* hadGz) {
 int OrderCount(const COrders& orders) { return orders.m_orders->GetCount(); }
 
 void ReadDocument(COrders& orders, const std::string& path, bool standardJson) {
-    Guarded([&] {
-        if (IsJsonName(path))
-            orders.FromJsonFile(path.c_str(), ReadContext(standardJson));
-        else
-            orders.FromXmlFile(path.c_str());
-    });
+    if (IsJsonName(path))
+        orders.FromJsonFile(path.c_str(), ReadContext(standardJson));
+    else
+        orders.FromXmlFile(path.c_str());
 }
 
 CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compression,
                     bool indent, bool standardJson) {
     const CSerializationContext& ctx = WriteContext(standardJson);
-    return Guarded([&] {
-        switch (format) {
-            case Format::Json:
-                return orders.ToJsonStream(indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
-            case Format::FastInfoset:
-                return orders.ToFastInfosetStream(FInfoDecl_None, ctx, compression);
-            case Format::Xml: break;
-        }
-        return orders.ToXmlStream(true, indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
-    });
+    switch (format) {
+        case Format::Json:
+            return orders.ToJsonStream(indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
+        case Format::FastInfoset:
+            return orders.ToFastInfosetStream(FInfoDecl_None, ctx, compression);
+        case Format::Xml: break;
+    }
+    return orders.ToXmlStream(true, indent, XmlEncoding_UTF8, EOLType_LF, ctx, compression);
 }
 
 void WriteDocument(const COrders& orders, const std::string& path, Format format,
@@ -139,21 +111,19 @@ void WriteDocument(const COrders& orders, const std::string& path, Format format
         return;
     }
     const CSerializationContext& ctx = WriteContext(standardJson);
-    Guarded([&] {
-        switch (format) {
-            case Format::Xml:
-                orders.ToXmlFile(path.c_str(), true, indent, XmlEncoding_UTF8, EOLType_LF, ctx,
-                                 compression);
-                break;
-            case Format::Json:
-                orders.ToJsonFile(path.c_str(), indent, XmlEncoding_UTF8, EOLType_LF, ctx,
-                                  compression);
-                break;
-            case Format::FastInfoset:
-                orders.ToFastInfosetFile(path.c_str(), FInfoDecl_None, ctx, compression);
-                break;
-        }
-    });
+    switch (format) {
+        case Format::Xml:
+            orders.ToXmlFile(path.c_str(), true, indent, XmlEncoding_UTF8, EOLType_LF, ctx,
+                             compression);
+            break;
+        case Format::Json:
+            orders.ToJsonFile(path.c_str(), indent, XmlEncoding_UTF8, EOLType_LF, ctx,
+                              compression);
+            break;
+        case Format::FastInfoset:
+            orders.ToFastInfosetFile(path.c_str(), FInfoDecl_None, ctx, compression);
+            break;
+    }
 }
 
 }  // namespace kxxml

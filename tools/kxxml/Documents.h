@@ -13,11 +13,6 @@ namespace kxxml {
 using namespace KxXmlLib16;
 using KxOrders::COrders;
 
-// A format whose library entry points are not built yet ("JSON", "Fast Infoset").
-struct FormatNotAvailable {
-    std::string format;
-};
-
 enum class Format { Xml, Json, FastInfoset };
 
 // "XML", "JSON", "Fast Infoset".
@@ -45,19 +40,19 @@ int OrderCount(const COrders& orders);
 
 // Reads `path` into `orders`: a name ending in .json or .json.gz as JSON, everything else
 // through the XML file entry point, which recognises compression and Fast Infoset itself.
-// Throws FormatNotAvailable for a format the library cannot read yet, and the library's
-// exceptions otherwise. `standardJson` reads JSON escapes as standard JSON does.
+// Throws the library's exceptions (a corrupt Fast Infoset file fails with the reader's
+// message). `standardJson` reads JSON escapes as standard JSON does.
 void ReadDocument(COrders& orders, const std::string& path, bool standardJson = false);
 
 // The document in `format` as the stream entry points produce it (UTF-8, LF line ends, XML
 // with its declaration, the schema's namespace as the default namespace; JSON escaped the
-// standard way with `standardJson`). Throws as ReadDocument.
+// standard way with `standardJson`). Throws the library's exceptions.
 CBinaryData ToBytes(const COrders& orders, Format format, CompressionType compression,
                     bool indent, bool standardJson = false);
 
 // Writes the document to `path` through the file entry points; zlib output, which those refuse,
-// goes through the stream entry points. Throws as ReadDocument, and CKxException "Failed to
-// write data to the file [path]." when the file cannot be written.
+// goes through the stream entry points. Throws the library's exceptions, among them
+// CKxException "Failed to write data to the file [path]." when the file cannot be written.
 void WriteDocument(const COrders& orders, const std::string& path, Format format,
                    CompressionType compression, bool indent, bool standardJson = false);
 
