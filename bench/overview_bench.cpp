@@ -11,6 +11,8 @@
 //   Write/Json, Write/FastInfoset,
 //   Write/FastInfosetGzip     the bound objects written to memory
 //   Pugixml/Parse, Pugixml/Save   pugixml's DOM (only when libpugixml-dev is installed)
+//   Gsoap/Read, Gsoap/Write, Xsd/Read, Xsd/Write   gSOAP and CodeSynthesis XSD bindings of the
+//                             same schema, from memory to memory (with KX_BENCH_PEERS)
 // After the runs a table gives each run's rate in MB of the document per second, its time as a
 // ratio to the floor, and the peak memory it adds: the run is done once more in a forked child,
 // whose peak resident size is reset once the free heap is trimmed and read after the run (the
@@ -25,6 +27,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <iomanip>
 #include <ostream>
@@ -34,6 +37,9 @@
 
 #ifdef KX_HAVE_PUGIXML
 #include <pugixml.hpp>
+#endif
+#ifdef KX_HAVE_PEERS
+#include "Peers.h"
 #endif
 
 #include "BenchSupport.h"
@@ -215,6 +221,12 @@ std::vector<Operation> Operations() {
                               return out.str().size();
                           }});
 #endif
+#ifdef KX_HAVE_PEERS
+    operations.push_back({"Gsoap/Read", [&in] { return KxPeers::GsoapRead(in.xml); }});
+    operations.push_back({"Gsoap/Write", [&in] { return KxPeers::GsoapWrite(in.xml); }});
+    operations.push_back({"Xsd/Read", [&in] { return KxPeers::XsdRead(in.xml); }});
+    operations.push_back({"Xsd/Write", [&in] { return KxPeers::XsdWrite(in.xml); }});
+#endif
     return operations;
 }
 
@@ -330,6 +342,9 @@ int main(int argc, char** argv) {
                 for (auto _ : state) benchmark::DoNotOptimize(operation.run());
             } catch (const CKxException& e) {
                 state.SkipWithError(e.GetFullMessage().c_str());
+                return;
+            } catch (const std::exception& e) {
+                state.SkipWithError(e.what());
                 return;
             }
             state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
