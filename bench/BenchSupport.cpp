@@ -1,9 +1,39 @@
 #include "BenchSupport.h"
 
+#include <expat.h>
+
 #include <cstdio>
 #include <ostream>
 
 namespace KxBench {
+
+namespace {
+
+void XMLCALL CountStart(void* data, const XML_Char*, const XML_Char** attributes) {
+    ExpatCounts* counts = static_cast<ExpatCounts*>(data);
+    ++counts->elements;
+    for (const XML_Char** a = attributes; *a != nullptr; a += 2) ++counts->attributes;
+}
+
+void XMLCALL CountEnd(void*, const XML_Char*) {}
+
+void XMLCALL CountText(void* data, const XML_Char*, int length) {
+    static_cast<ExpatCounts*>(data)->textBytes += length;
+}
+
+}  // namespace
+
+bool ParseWithExpat(const std::string& xml, bool handlers, ExpatCounts& counts) {
+    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
+    if (handlers) {
+        XML_SetUserData(parser, &counts);
+        XML_SetElementHandler(parser, CountStart, CountEnd);
+        XML_SetCharacterDataHandler(parser, CountText);
+    }
+    const bool ok = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1) == XML_STATUS_OK;
+    XML_ParserFree(parser);
+    return ok;
+}
 
 std::string GenerateOrdersDocument(int sizeMb, std::string& failure) {
     const char* const generator = KX_BENCH_GEN_SCRIPT;

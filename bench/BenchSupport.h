@@ -12,6 +12,18 @@
 
 namespace KxBench {
 
+// What expat reported to the counting handlers (kept so that their work cannot be dropped).
+struct ExpatCounts {
+    long elements = 0;
+    long attributes = 0;
+    long textBytes = 0;
+};
+
+// Parses the text with expat, namespace processing on; with `handlers`, through element and
+// character-data handlers that only count (the floor the library's reader stands on). False
+// when expat rejects the text.
+bool ParseWithExpat(const std::string& xml, bool handlers, ExpatCounts& counts);
+
 // The order document of about `sizeMb` MB from the shared generator (python3), or empty with
 // `failure` saying why.
 std::string GenerateOrdersDocument(int sizeMb, std::string& failure);

@@ -11,7 +11,6 @@
 // has, and a write/read round trip giving equal objects. The ratios of binding to tree and to
 // expat are printed at the end.
 #include <benchmark/benchmark.h>
-#include <expat.h>
 
 #include <clocale>
 #include <cstdio>
@@ -75,19 +74,6 @@ const std::string& Document(std::string& error) {
     return document;
 }
 
-struct Counts {
-    long elements = 0;
-    long textBytes = 0;
-};
-
-void XMLCALL CountStart(void* data, const XML_Char*, const XML_Char**) {
-    ++static_cast<Counts*>(data)->elements;
-}
-void XMLCALL CountEnd(void*, const XML_Char*) {}
-void XMLCALL CountText(void* data, const XML_Char*, int length) {
-    static_cast<Counts*>(data)->textBytes += length;
-}
-
 // The document for a run, or null after skipping the run with the reason.
 const std::string* Input(benchmark::State& state) {
     std::string error;
@@ -108,15 +94,8 @@ void BM_ExpatTrivial(benchmark::State& state) {
     const std::string* xml = Input(state);
     if (!xml) return;
     for (auto _ : state) {
-        Counts counts;
-        XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-        XML_SetUserData(parser, &counts);
-        XML_SetElementHandler(parser, CountStart, CountEnd);
-        XML_SetCharacterDataHandler(parser, CountText);
-        const bool ok = XML_Parse(parser, xml->data(), static_cast<int>(xml->size()), 1) ==
-                        XML_STATUS_OK;
-        XML_ParserFree(parser);
-        if (!ok) {
+        KxBench::ExpatCounts counts;
+        if (!KxBench::ParseWithExpat(*xml, true, counts)) {
             state.SkipWithError("expat rejected the document");
             return;
         }

@@ -18,7 +18,6 @@
 // whose peak resident size is reset once the free heap is trimmed and read after the run (the
 // input pages the run touches count).
 #include <benchmark/benchmark.h>
-#include <expat.h>
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,32 +86,13 @@ const unsigned char* Bytes(const std::string& text) {
     return reinterpret_cast<const unsigned char*>(text.data());
 }
 
-struct Counts {
-    long elements = 0;
-    long textBytes = 0;
-};
-void XMLCALL CountStart(void* data, const XML_Char*, const XML_Char**) {
-    ++static_cast<Counts*>(data)->elements;
-}
-void XMLCALL CountEnd(void*, const XML_Char*) {}
-void XMLCALL CountText(void* data, const XML_Char*, int length) {
-    static_cast<Counts*>(data)->textBytes += length;
-}
-
 // Parses with expat, namespace processing on; `handlers` sets the counting handlers.
 size_t Expat(bool handlers) {
     const std::string& xml = Data().xml;
-    Counts counts;
-    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-    if (handlers) {
-        XML_SetUserData(parser, &counts);
-        XML_SetElementHandler(parser, CountStart, CountEnd);
-        XML_SetCharacterDataHandler(parser, CountText);
+    KxBench::ExpatCounts counts;
+    if (!KxBench::ParseWithExpat(xml, handlers, counts)) {
+        throw CKxException("expat rejected the document");
     }
-    const bool ok =
-        XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1) == XML_STATUS_OK;
-    XML_ParserFree(parser);
-    if (!ok) throw CKxException("expat rejected the document");
     benchmark::DoNotOptimize(counts);
     return xml.size();
 }

@@ -7,7 +7,6 @@
 //                                and freed, with a UTF-8 and with the "C" locale
 // and the ratios of the tree builds to the two expat runs are printed at the end.
 #include <benchmark/benchmark.h>
-#include <expat.h>
 
 #include <clocale>
 #include <cstdio>
@@ -47,36 +46,6 @@ private:
     bool m_ok;
 };
 
-struct Counts {
-    long elements = 0;
-    long attributes = 0;
-    long textBytes = 0;
-};
-
-void XMLCALL CountStart(void* data, const XML_Char*, const XML_Char** attributes) {
-    Counts* counts = static_cast<Counts*>(data);
-    ++counts->elements;
-    for (const XML_Char** a = attributes; *a != nullptr; a += 2) ++counts->attributes;
-}
-
-void XMLCALL CountEnd(void*, const XML_Char*) {}
-
-void XMLCALL CountText(void* data, const XML_Char*, int length) {
-    static_cast<Counts*>(data)->textBytes += length;
-}
-
-bool ParseWithExpat(const std::string& xml, bool handlers, Counts& counts) {
-    XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-    if (handlers) {
-        XML_SetUserData(parser, &counts);
-        XML_SetElementHandler(parser, CountStart, CountEnd);
-        XML_SetCharacterDataHandler(parser, CountText);
-    }
-    const bool ok = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1) == XML_STATUS_OK;
-    XML_ParserFree(parser);
-    return ok;
-}
-
 void RunExpat(benchmark::State& state, bool handlers) {
     std::string error;
     const std::string& xml = Document(error);
@@ -85,8 +54,8 @@ void RunExpat(benchmark::State& state, bool handlers) {
         return;
     }
     for (auto _ : state) {
-        Counts counts;
-        if (!ParseWithExpat(xml, handlers, counts)) {
+        KxBench::ExpatCounts counts;
+        if (!KxBench::ParseWithExpat(xml, handlers, counts)) {
             state.SkipWithError("expat rejected the document");
             return;
         }
