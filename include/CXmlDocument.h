@@ -92,8 +92,12 @@ public:
     // CKxInvalidStateException when the document already has a root.
     CXmlElement* AddDocElement(const char* ns, const char* name);
     CXmlElement* AddDocElement(std::string_view ns, std::string_view name);
+    // The deepest nesting of elements a document may have (the root is level 1).
+    static constexpr size_t kMaxDepth = 5000;
+
     // Creates a child of the innermost open element, pushes it and returns it. Throws
-    // CKxInvalidStateException when no element is open.
+    // CKxInvalidStateException when no element is open, and CKxException "The document nests
+    // elements deeper than 5000 levels." when the child would be deeper than kMaxDepth.
     CXmlElement* AddChildElement(const char* ns, const char* name);
     CXmlElement* AddChildElement(std::string_view ns, std::string_view name);
     // Adds an attribute to the element (null pointers stand for empty strings).

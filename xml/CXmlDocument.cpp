@@ -239,6 +239,12 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view ns, std::string_view
     if (m_elementStack.empty()) {
         throw CKxInvalidStateException("There is no open element to add a child element to.");
     }
+    // The engine binds and writes the tree recursively: a bound on the depth keeps hostile
+    // documents from exhausting the stack (with room to spare under the sanitizers).
+    if (m_elementStack.size() >= kMaxDepth) {
+        throw CKxException(FormatString("The document nests elements deeper than %d levels.",
+                                        static_cast<int>(kMaxDepth)));
+    }
     // Room on the stack first, so that a failure cannot leave a child that is not open.
     if (m_elementStack.size() == m_elementStack.capacity()) {
         m_elementStack.reserve(2 * m_elementStack.capacity());

@@ -571,7 +571,8 @@ TEST(CXmlDocument, BuilderKeepsTheStackAndTheChildChain) {
 }
 
 TEST(CXmlDocument, DeepTreesAreBuiltAndFreedWithoutRecursion) {
-    const int depth = 200000;
+    // As deep as a document may be: building and freeing must not recurse per level.
+    const int depth = static_cast<int>(CXmlDocument::kMaxDepth);
     std::string xml;
     for (int i = 0; i < depth; ++i) xml += "<e>";
     for (int i = 0; i < depth; ++i) xml += "</e>";
