@@ -28,6 +28,8 @@ public:
     void Append(const char* text);
     void Append(const std::string& text);
     void Append(char c);
+    // Append exactly `length` characters from `text` (NUL characters included).
+    void Append(const char* text, size_t length);
 
     // Clear(), then Append(text).
     void SetText(const char* text);
@@ -45,7 +47,6 @@ public:
 
 private:
     void AddNewBlock();
-    void AppendChars(const char* text, size_t length);
 
     std::vector<std::unique_ptr<char[]>> m_blocks;
     std::vector<unsigned int> m_blockSizes;

@@ -34,6 +34,8 @@ public:
     void Append(char c);
     void Append(const char* text);
     void Append(const std::string& text);
+    // Append exactly `length` characters from `text`, without looking for a NUL.
+    void Append(const char* text, size_t length);
 
     // The buffered text, NUL-terminated; valid until the stream next changes.
     const char* GetText() const;

@@ -123,7 +123,7 @@ private:
     bool m_elementStarted;
     // m_indents[d] holds the indent characters repeated d times, built as deeper levels appear.
     std::vector<std::string> m_indents;
-    // The markup of one operation, NUL-terminated when handed to the stream, so the stream gets
+    // The markup of one operation, handed to the stream with its length, so the stream gets
     // few, whole pieces. Reused: it allocates only while its capacity grows.
     std::unique_ptr<char[]> m_markup;
     size_t m_markupLength;

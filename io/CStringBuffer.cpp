@@ -33,7 +33,7 @@ void CStringBuffer::AddNewBlock() {
     m_currentUsed = 0;
 }
 
-void CStringBuffer::AppendChars(const char* text, size_t length) {
+void CStringBuffer::Append(const char* text, size_t length) {
     while (length > 0) {
         if (m_currentUsed == m_currentCapacity) {
             AddNewBlock();
@@ -49,12 +49,12 @@ void CStringBuffer::AppendChars(const char* text, size_t length) {
 
 void CStringBuffer::Append(const char* text) {
     if (text != nullptr) {
-        AppendChars(text, std::strlen(text));
+        Append(text, std::strlen(text));
     }
 }
 
 void CStringBuffer::Append(const std::string& text) {
-    AppendChars(text.c_str(), std::strlen(text.c_str()));
+    Append(text.c_str(), std::strlen(text.c_str()));
 }
 
 void CStringBuffer::Append(char c) {

@@ -63,6 +63,8 @@ void CTextStream::Append(const char* text) { m_buffer.Append(text); }
 
 void CTextStream::Append(const std::string& text) { m_buffer.Append(text); }
 
+void CTextStream::Append(const char* text, size_t length) { m_buffer.Append(text, length); }
+
 const char* CTextStream::GetText() const { return m_buffer.GetText(); }
 
 unsigned int CTextStream::GetLength() const { return m_buffer.GetLength(); }

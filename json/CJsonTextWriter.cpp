@@ -90,7 +90,7 @@ void CJsonTextWriter::Close() {
 
 void CJsonTextWriter::Emit() {
     if (m_out.empty()) return;
-    m_stream.Append(m_out.c_str());
+    m_stream.Append(m_out.data(), m_out.size());
     m_out.clear();
 }
 

@@ -55,7 +55,7 @@ void CXmlTextWriter::Close() {
 // Markup assembly
 
 inline void CXmlTextWriter::Reserve(size_t extra) {
-    const size_t needed = m_markupLength + extra + 1;  // + 1 for the NUL added by EmitMarkup
+    const size_t needed = m_markupLength + extra;
     if (needed > m_markupCapacity) {
         const size_t capacity = std::max(needed, std::max<size_t>(2 * m_markupCapacity, 256));
         std::unique_ptr<char[]> grown(new char[capacity]);
@@ -88,8 +88,7 @@ void CXmlTextWriter::EmitMarkup() {
     if (m_markupLength == 0) {
         return;
     }
-    m_markup[m_markupLength] = '\0';
-    m_stream.Append(m_markup.get());
+    m_stream.Append(m_markup.get(), m_markupLength);
     m_markupLength = 0;
 }
 
@@ -179,7 +178,7 @@ void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
     if (plain && plainLength > kLongText) {
         // A long text that needs no escaping goes to the stream without a copy.
         EmitMarkup();
-        m_stream.Append(begin);
+        m_stream.Append(begin, plainLength);
     } else if (plain) {
         Put(begin, plainLength);
     } else {
