@@ -23,6 +23,7 @@
 #include "CXmlTextWriter.h"
 #include "FormatString.h"
 #include "INillable.h"
+#include "io/CDeflateTextStream.h"
 
 namespace KxXmlLib16 {
 
@@ -104,6 +105,12 @@ void WriteDocumentFile(const char* path, XmlEncoding encoding, CompressionType c
     const XmlEncoding fileEncoding =
         compression == CompressionType_None ? encoding : XmlEncoding_UTF8;
     CFileBinaryStream(path, fileEncoding, bytes).ToFile();
+}
+
+// Compressed UTF-8 text is deflated while it is written, so the whole text is never held.
+bool DeflatesAsItWrites(XmlEncoding encoding, CompressionType compression) {
+    return encoding == XmlEncoding_UTF8 &&
+           (compression == CompressionType_GZip || compression == CompressionType_ZLib);
 }
 
 // A text stream that hands its text to a std::string at every flush (the writer flushes each
@@ -279,6 +286,11 @@ std::string CXmlObjectBase::ToJson(bool formatted, EOLType eol,
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding,
                                         EOLType eol, const CSerializationContext& ctx,
                                         CompressionType compression) const {
+    if (DeflatesAsItWrites(encoding, compression)) {
+        CDeflateTextStream stream(compression);
+        WriteXmlDocument(*this, stream, includeHeader, formatted, eol, ctx);
+        return stream.Finish();
+    }
     CTextStream stream(encoding);
     WriteXmlDocument(*this, stream, includeHeader, formatted, eol, ctx);
     CBinaryData bytes = stream.GetEncodedStream();
@@ -299,6 +311,11 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration,
 CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eol,
                                          const CSerializationContext& ctx,
                                          CompressionType compression) const {
+    if (DeflatesAsItWrites(encoding, compression)) {
+        CDeflateTextStream stream(compression);
+        WriteJsonDocument(*this, stream, formatted, eol, ctx);
+        return stream.Finish();
+    }
     CTextStream stream(encoding);
     WriteJsonDocument(*this, stream, formatted, eol, ctx);
     CBinaryData bytes = stream.GetEncodedStream();
