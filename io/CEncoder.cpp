@@ -116,6 +116,17 @@ std::string CEncoder::Utf8ToLocalCodePage(const unsigned char* utf8, int length,
     }
     const size_t byteCount = static_cast<size_t>(length);
     if (IsASCIIOnly()) return std::string(reinterpret_cast<const char*>(utf8), byteCount);
+    // Text that converts to itself (ASCII, or valid UTF-8 under a UTF-8 code page) skips the
+    // two passes of wcrtomb per character; it still lands in a caller's narrow buffer that is
+    // large enough, as the conversion would have put it there.
+    if (wideBuffer == nullptr &&
+        IsUnchangedByUtf8RoundTrip(reinterpret_cast<const char*>(utf8), byteCount)) {
+        if (narrowBuffer != nullptr && narrowSize >= byteCount + 1) {
+            std::memcpy(narrowBuffer, utf8, byteCount);
+            narrowBuffer[byteCount] = '\0';
+        }
+        return std::string(reinterpret_cast<const char*>(utf8), byteCount);
+    }
 
     ScratchBuffer<wchar_t> wide(wideBuffer, wideSize, byteCount + 1, byteCount + 1);
     size_t wideCount;
