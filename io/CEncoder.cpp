@@ -67,22 +67,29 @@ std::vector<wchar_t> DecodeLocalCodePage(const char* text) {
     return wide;
 }
 
+// The first byte at or after `p` that is not ASCII (or `end`), eight bytes at a time.
+const unsigned char* SkipAscii(const unsigned char* p, const unsigned char* end) {
+    unsigned long long word;
+    while (end - p >= 8) {
+        std::memcpy(&word, p, sizeof word);
+        if ((word & 0x8080808080808080ull) != 0) break;
+        p += 8;
+    }
+    while (p != end && *p < 0x80) ++p;
+    return p;
+}
+
 // True when decoding `text` in the current locale and encoding it as UTF-8 gives the same bytes:
 // ASCII text in any locale (every locale's charset is ASCII-compatible), and valid UTF-8 when
 // the locale's charset is UTF-8. Lets the common cases skip the per-character conversion.
 bool IsUnchangedByUtf8RoundTrip(const char* text, size_t length) {
-    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
-    const unsigned char* const end = p + length;
-    while (p != end && *p < 0x80) ++p;
+    const unsigned char* const end = reinterpret_cast<const unsigned char*>(text) + length;
+    const unsigned char* p = SkipAscii(reinterpret_cast<const unsigned char*>(text), end);
     if (p == end) return true;
     if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) return false;
     while (p != end) {
-        if (*p < 0x80) {
-            ++p;
-            continue;
-        }
         if (!IsLegalUTF8Sequence(p, end)) return false;
-        p += *p >= 0xF0 ? 4 : *p >= 0xE0 ? 3 : 2;
+        p = SkipAscii(p + (*p >= 0xF0 ? 4 : *p >= 0xE0 ? 3 : 2), end);
     }
     return true;
 }
