@@ -74,18 +74,6 @@ std::vector<std::string> PlainThen(const std::string& late) {
     return texts;
 }
 
-class ScopedCodePage {
-public:
-    explicit ScopedCodePage(const char* name)
-        : m_saved(std::setlocale(LC_CTYPE, nullptr)), m_ok(std::setlocale(LC_CTYPE, name)) {}
-    ~ScopedCodePage() { std::setlocale(LC_CTYPE, m_saved.c_str()); }
-    bool Ok() const { return m_ok; }
-
-private:
-    std::string m_saved;
-    bool m_ok;
-};
-
 }  // namespace
 
 TEST(CompressedOutput, EqualsCompressingTheTextAfterwards) {
@@ -108,7 +96,7 @@ TEST(CompressedOutput, EqualsCompressingTheTextAfterwards) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        ScopedCodePage codePage(row.codePage);
+        KxTest::ScopedLocale codePage(LC_CTYPE, row.codePage);
         if (!codePage.Ok()) {
             ADD_FAILURE() << "code page " << row.codePage << " is not available";
             continue;
