@@ -12,16 +12,12 @@
 #include "CKxZip.h"
 #include "ConvertUTF.h"
 #include "FormatString.h"
+#include "io/DeflateSetup.h"
 
 namespace KxXmlLib16 {
 
 namespace {
 
-// The settings of CKxZip::Compress: the fastest level, a 32 KB window, the default memory.
-const int kLevel = 1;
-const int kWindowBits = 15;
-const int kGzipWrapper = 16;
-const int kMemoryLevel = 8;
 // deflate writes into this window; what it produced is appended to the output.
 const size_t kOutputWindow = 16384;
 // zlib counts input in 32-bit unsigned ints.
@@ -64,11 +60,7 @@ void CDeflateTextStream::Open() {
     m_output.Clear();
     m_gathered.clear();
     std::memset(&m_zlib, 0, sizeof m_zlib);
-    const int result =
-        m_compression == CompressionType_GZip
-            ? deflateInit2(&m_zlib, kLevel, Z_DEFLATED, kWindowBits + kGzipWrapper, kMemoryLevel,
-                           Z_DEFAULT_STRATEGY)
-            : deflateInit(&m_zlib, kLevel);
+    const int result = StartDeflate(&m_zlib, m_compression);
     if (result != Z_OK) {
         throw CKxException(FormatString("Failed to compress data. [Error Code: %d]", result));
     }

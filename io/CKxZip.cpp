@@ -10,6 +10,7 @@
 
 #include "CKxException.h"
 #include "FormatString.h"
+#include "io/DeflateSetup.h"
 
 namespace KxXmlLib16 {
 
@@ -71,6 +72,13 @@ void RefillInput(z_stream* stream, const unsigned char* data, unsigned long leng
 
 }  // namespace
 
+int StartDeflate(z_stream* stream, CompressionType type) {
+    return type == CompressionType_GZip
+               ? deflateInit2(stream, kFastestLevel, Z_DEFLATED, kWindowBits + kGzipWrapper,
+                              kMemoryLevel, Z_DEFAULT_STRATEGY)
+               : deflateInit(stream, kFastestLevel);
+}
+
 CKxZip::CKxZip() : CInstanceMonitor("CKxZip") {}
 
 CKxZip::~CKxZip() = default;
@@ -86,10 +94,7 @@ void CKxZip::Compress(unsigned char** data, unsigned long* length, CompressionTy
 
     ZStream zs(true);
     z_stream* stream = zs.Get();
-    const int init = type == CompressionType_GZip ? deflateInit2(stream, kFastestLevel, Z_DEFLATED,
-                                                                 kWindowBits + kGzipWrapper,
-                                                                 kMemoryLevel, Z_DEFAULT_STRATEGY)
-                                                  : deflateInit(stream, kFastestLevel);
+    const int init = StartDeflate(stream, type);
     if (init != Z_OK) ThrowCompressFailure(init);
     zs.Started();
 
