@@ -36,8 +36,17 @@ std::unique_ptr<T> CopyOf(const std::unique_ptr<T>& source) {
 CSerializationContext& CSerializationContext::m_defaultContext = g_defaultContextStorage.context;
 
 CSerializationContext& CSerializationContext::GetDefaultContext() {
-    static CSerializationContext* const instance =
-        new (&g_defaultContextStorage.context) CSerializationContext();
+    static CSerializationContext* const instance = [] {
+        CSerializationContext* context =
+            new (&g_defaultContextStorage.context) CSerializationContext();
+        // Every call without a context of its own uses this one, on any thread. Its const
+        // getters create their members on first use; creating them here, once, leaves those
+        // getters nothing to change, so threads can share the context.
+        context->GetFIContext();
+        context->GetJsonContext();
+        context->GetAdditionalRootAttributes()->Release();
+        return context;
+    }();
     return *instance;
 }
 

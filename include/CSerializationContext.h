@@ -20,12 +20,14 @@ class CJsonContext;
 // A plain value object passed by const reference to every entry point. Serialisation does not
 // change it, except that the Fast Infoset and JSON sub-contexts and the additional root
 // attribute collection are created on first access, even through a const context. Not
-// synchronised: a context (the default one included) may be used by one thread at a time
-// until those three have been created.
+// synchronised: a context may be used by one thread at a time until those three have been
+// created; after that, threads may read and write with it at once as long as none changes it.
 class KX_EXPORT CSerializationContext {
 public:
     // The process-wide default context, with all defaults. It can be used at any time,
-    // including by static initialisers of other files and by static destructors.
+    // including by static initialisers of other files and by static destructors. Its
+    // sub-contexts and root attribute collection exist from the start, so any number of
+    // threads may use it at once (as long as none changes it).
     static CSerializationContext& m_defaultContext;
 
     // All defaults: type attributes allowed, CDATA stripped, tabs for indentation, every
