@@ -132,20 +132,12 @@ TEST(CElementCol, CreateItemFollowsTheNamespaceConstraint) {
         const char* ns;
         bool item;
     } cases[] = {
-        {"##any", "urn:t", "urn:x", true},
-        {"##any", "urn:t", "", true},
-        {"##other", "urn:t", "urn:x", true},
-        {"##other", "urn:t", "urn:t", false},
-        {"##local", "urn:t", "", true},
-        {"##local", "urn:t", "urn:x", false},
-        {"##targetNamespace", "urn:t", "urn:t", true},
-        {"##targetNamespace", "urn:t", "urn:x", false},
-        {"urn:a", "urn:t", "urn:a", true},
-        {"urn:a", "urn:t", "urn:c", false},
-        {"urn:a", "urn:t", "", false},
-        {"urn:a urn:b", "urn:t", "urn:b", true},
+        // The constraints themselves are the namespace helper's; these rows show that the
+        // collection passes its constraint and target namespace on.
+        {"##any", "urn:t", "", true}, {"##other", "urn:t", "urn:x", true},
+        {"##other", "urn:t", "urn:t", false}, {"##local", "urn:t", "urn:x", false},
+        {"##targetNamespace", "urn:t", "urn:t", true}, {"urn:a urn:b", "urn:t", "urn:b", true},
         {"urn:a urn:b", "urn:t", "", false},
-        {"urn:a ##local", "urn:t", "", true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.constraint) + " / " + c.ns);

@@ -74,11 +74,7 @@ CSmartPtr<Col> Filled(const char* texts) {
 }  // namespace
 
 TEST(CXmlCollection, InsertionsPlaceItemsInOrder) {
-    struct Case {
-        const char* name;
-        void (*act)(Col&, CXmlObjectBase*);
-        const char* expected;
-    };
+    struct Case { const char* name; void (*act)(Col&, CXmlObjectBase*); const char* expected; };
     const Case cases[] = {
         {"append", [](Col& c, CXmlObjectBase* x) { c.AppendItem(x); }, "abcx"},
         {"prepend", [](Col& c, CXmlObjectBase* x) { c.PrependItem(x); }, "xabc"},
@@ -108,10 +104,7 @@ TEST(CXmlCollection, InsertionsPlaceItemsInOrder) {
 }
 
 TEST(CXmlCollection, RemovalsReleaseTheItemAndRelink) {
-    struct Case {
-        int index;
-        const char* expected;
-    };
+    struct Case { int index; const char* expected; };
     const Case cases[] = {{0, "bc"}, {1, "ac"}, {2, "ab"}};
     for (const Case& row : cases) {
         SCOPED_TRACE(row.index);
@@ -126,11 +119,7 @@ TEST(CXmlCollection, RemovalsReleaseTheItemAndRelink) {
 }
 
 TEST(CXmlCollection, BadIndexesThrowTheirMessages) {
-    struct Case {
-        const char* name;
-        void (*act)(Col&, CXmlObjectBase*);
-        const char* message;
-    };
+    struct Case { const char* name; void (*act)(Col&, CXmlObjectBase*); const char* message; };
     const Case cases[] = {
         {"remove -1", [](Col& c, CXmlObjectBase*) { c.Remove(-1); }, "Index -1 is out of range, use 0 - 2"},
         {"remove count", [](Col& c, CXmlObjectBase*) { c.Remove(2); }, "Index 2 is out of range, use 0 - 2"},

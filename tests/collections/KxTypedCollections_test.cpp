@@ -169,10 +169,7 @@ TEST(KxTypedCollections, RemoveAndClearFireEventsWithTheIndex) {
 }
 
 TEST(KxTypedCollections, DateMembersRefuseOtherKinds) {
-    struct Row {
-        CXmlTypeCollection* (*make)(const char*, long long);
-        const char* message;
-    };
+    struct Row { CXmlTypeCollection* (*make)(const char*, long long); const char* message; };
     const Row rows[] = {
         {&Make<CdateCol>, "Dates added to this collection must be of type dt_date"},
         {&Make<CdatetimeCol>, "Dates added to this collection must be of type dt_dateTime"},

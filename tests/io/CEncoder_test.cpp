@@ -38,6 +38,9 @@ TEST(CEncoder, Utf8ToLocalCodePageInAUtf8LocaleKeepsTheText) {
         std::memset(narrow, 'x', sizeof narrow);
         EXPECT_EQ(text, CEncoder::Utf8ToLocalCodePage(text, wide, 64, narrow, 64));
         EXPECT_STREQ(text, narrow);
+        std::memset(narrow, 'x', sizeof narrow);
+        EXPECT_EQ(text, CEncoder::Utf8ToLocalCodePage(text, nullptr, 0, narrow, 64));
+        EXPECT_STREQ(text, narrow);
     }
     EXPECT_EQ("ab", CEncoder::Utf8ToLocalCodePage("ab\xC0\xAF" "cd"));  // ends at invalid UTF-8
 }
@@ -56,11 +59,7 @@ TEST(CEncoder, UnrepresentableCharactersBecomeQuestionMarks) {
 TEST(CEncoder, LocalCodePageDecodingReplacesInvalidBytesAndContinues) {
     KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
     ASSERT_TRUE(locale.Ok());
-    struct Case {
-        const char* in;
-        std::wstring wide;
-        const char* utf8;
-    } const cases[] = {
+    struct Case { const char* in; std::wstring wide; const char* utf8; } const cases[] = {
         {"h\xC3\xA9", L"h\u00E9", "h\xC3\xA9"},
         {"a\xFF" "b", L"a?b", "a?b"},
         {"\xE2\x82" "x\xE2\x82\xAC", L"??x\u20AC", "??x\xE2\x82\xAC"},

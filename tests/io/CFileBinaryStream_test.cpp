@@ -22,10 +22,7 @@ std::string ReadFile(const std::string& path) {
 }  // namespace
 
 TEST(CFileBinaryStream, WritesTheMarkOnlyForUtf16) {
-    struct Case {
-        XmlEncoding encoding;
-        const char* mark;
-    };
+    struct Case { XmlEncoding encoding; const char* mark; };
     const Case cases[] = {
         {KxXmlLib16::XmlEncoding_UTF8, ""},
         {KxXmlLib16::XmlEncoding_UTF16, "\xFF\xFE"},
@@ -48,11 +45,7 @@ TEST(CFileBinaryStream, WritesTheMarkOnlyForUtf16) {
 }
 
 TEST(CFileBinaryStream, FailuresThrowWithThePath) {
-    struct Case {
-        const char* path;
-        XmlEncoding encoding;
-        unsigned long length;
-    };
+    struct Case { const char* path; XmlEncoding encoding; unsigned long length; };
     const Case cases[] = {
         {"/nonexistent-kx-directory/out.bin", KxXmlLib16::XmlEncoding_UTF8, 10},
         {"/dev/full", KxXmlLib16::XmlEncoding_UTF8, 10},       // fails when closed

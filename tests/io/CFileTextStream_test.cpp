@@ -24,10 +24,7 @@ std::string ReadFile(const std::string& path) {
 }  // namespace
 
 TEST(CFileTextStream, WritesChunksAfterTheMarkOfTheEncoding) {
-    struct Case {
-        XmlEncoding encoding;
-        const char* file;
-    };
+    struct Case { XmlEncoding encoding; const char* file; };
     const Case cases[] = {
         {KxXmlLib16::XmlEncoding_UTF8, "text_utf8.xml"},
         {KxXmlLib16::XmlEncoding_UTF16, "text_utf16.xml"},
@@ -68,12 +65,7 @@ TEST(CFileTextStream, UnopenablePathThrowsWithThePath) {
 }
 
 TEST(CFileTextStream, FailedFlushKeepsTheText) {
-    struct Case {
-        const char* path;
-        XmlEncoding encoding;
-        bool open;
-        const char* message;
-    };
+    struct Case { const char* path; XmlEncoding encoding; bool open; const char* message; };
     const Case cases[] = {
         {"/dev/full", KxXmlLib16::XmlEncoding_UTF8, true, "Failed to write data to the file"},
         {"/dev/null", KxXmlLib16::XmlEncoding_UTF8, false, "Failed to write data to the file"},

@@ -42,6 +42,10 @@ Bytes Inflate(const Bytes& input, bool* replaced = nullptr) {
     return out;
 }
 
+// The gzip stream of no bytes.
+const Bytes kGzipOfEmpty = {0x1f, 0x8b, 0x08, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x03,
+                            0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
+
 Bytes Compressed(const std::string& text, CompressionType type) {
     CBinaryData data = ToBinary(text);
     CKxZip::CompressData(data, type);
@@ -80,11 +84,7 @@ TEST(CKxZip, RoundTripsBothWrappers) {
 }
 
 TEST(CKxZip, OutputNoLargerThanInputIsEnforced) {
-    struct Case {
-        const char* text;
-        CompressionType type;
-        const char* message;
-    };
+    struct Case { const char* text; CompressionType type; const char* message; };
     const Case cases[] = {
         {"abc", CompressionType_GZip, "Failed to compress data. [Error Code: -5]"},
         // The zlib header fits, the rest does not: zlib reports Z_OK.
@@ -147,21 +147,16 @@ TEST(CKxZip, NoCompressionAndEmptyInputLeaveDataAlone) {
 }
 
 TEST(CKxZip, DecompressPassesThroughWhatIsNotACompleteStream) {
-    const Bytes gzipOfEmpty = {0x1f, 0x8b, 0x08, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x03,
-                               0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
     Bytes badCrc = Compressed(Repetitive(500), CompressionType_GZip);
     badCrc[badCrc.size() - 6] ^= 0x55;
     Bytes badAdler = Compressed(Repetitive(500), CompressionType_ZLib);
     badAdler.back() ^= 0x01;
-    struct Case {
-        const char* name;
-        Bytes input;
-    };
+    struct Case { const char* name; Bytes input; };
     const Case cases[] = {
         {"plain XML", {'<', 'a', '/', '>'}},
         {"one byte", {0x1f}},
         {"gzip magic only", {0x1f, 0x8b}},
-        {"gzip header, no data", Bytes(gzipOfEmpty.begin(), gzipOfEmpty.begin() + 10)},
+        {"gzip header, no data", Bytes(kGzipOfEmpty.begin(), kGzipOfEmpty.begin() + 10)},
         {"zlib header with a preset dictionary", {0x78, 0xBB, 0x00, 0x00, 0x00, 0x01, 0x03, 0x00}},
         {"zlib header, garbage body", {0x78, 0x9c, 0xff, 0xff, 0xff, 0xff}},
         {"gzip with a wrong CRC", badCrc},
@@ -190,10 +185,8 @@ TEST(CKxZip, DecompressOfStreamsCutAnywhereLeavesTheInput) {
 }
 
 TEST(CKxZip, DecompressesEmptyStreamsAndIgnoresTrailingBytes) {
-    const Bytes gzipOfEmpty = {0x1f, 0x8b, 0x08, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x03,
-                               0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
     const Bytes zlibOfEmpty = {0x78, 0x9c, 0x03, 0x00, 0x00, 0x00, 0x00, 0x01};
-    for (const Bytes& input : {gzipOfEmpty, zlibOfEmpty}) {
+    for (const Bytes& input : {kGzipOfEmpty, zlibOfEmpty}) {
         bool replaced = false;
         EXPECT_TRUE(Inflate(input, &replaced).empty());
         EXPECT_TRUE(replaced);
@@ -205,10 +198,7 @@ TEST(CKxZip, DecompressesEmptyStreamsAndIgnoresTrailingBytes) {
 }
 
 TEST(CKxZip, RecognisesCompressedHeaders) {
-    struct Case {
-        Bytes input;
-        bool compressed;
-    };
+    struct Case { Bytes input; bool compressed; };
     const Case cases[] = {
         {{0x1f, 0x8b}, true},        {{0x78, 0x01}, true},  {{0x78, 0x9c}, true},
         {{0x78, 0xda}, true},        {{0x08, 0x1d}, true},  {{0x78, 0x00}, false},

@@ -21,10 +21,7 @@ std::string ToString(const CBinaryData& value) {
 }  // namespace
 
 TEST(CTextStream, EncodesTheTextForEachEncoding) {
-    struct Case {
-        XmlEncoding encoding;
-        std::string bytes;
-    };
+    struct Case { XmlEncoding encoding; std::string bytes; };
     const Case cases[] = {
         {KxXmlLib16::XmlEncoding_UTF8, "<a/>"},
         {KxXmlLib16::XmlEncoding_UTF16, std::string("<\0a\0/\0>\0", 8)},

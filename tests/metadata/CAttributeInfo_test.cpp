@@ -101,30 +101,37 @@ CSerializationContext Context(bool ignoreNamespaces, bool noDefaults) {
 
 }  // namespace
 
+// Enumerated values are written as strings through the converter, under their namespace.
 TEST(CAttributeInfo, OptionalUnsetAndDefaultValuesAreLeftOutOnlyWhenAllowed) {
+    CAttributeInfoPrimitive optional = I4Attribute("size", "", 1, true, "7");
+    CAttributeInfoPrimitive required = I4Attribute("size", "", 1, false, "7");
+    CAttributeInfoEnum colour("colour", "urn:c", 1, true, ColourName, ColourValue, "red");
     struct Case {
         const char* label;
-        bool optional;
+        CAttributeInfo* info;
         bool set;
         long value;
         bool noDefaults;
         const char* expected;  // nullptr: nothing written
     };
     const Case cases[] = {
-        {"optional unset", true, false, 0, false, nullptr},
-        {"optional equal to default, defaults kept", true, true, 7, false, "|size=7"},
-        {"optional equal to default, defaults left out", true, true, 7, true, nullptr},
-        {"optional other value, defaults left out", true, true, 8, true, "|size=8"},
-        {"required equal to default, defaults left out", false, true, 7, true, "|size=7"},
+        {"optional unset", &optional, false, 0, false, nullptr},
+        {"optional equal to default, defaults kept", &optional, true, 7, false, "|size=7"},
+        {"optional equal to default, defaults left out", &optional, true, 7, true, nullptr},
+        {"optional other value, defaults left out", &optional, true, 8, true, "|size=8"},
+        {"required equal to default, defaults left out", &required, true, 7, true, "|size=7"},
+        {"enumerated other value", &colour, true, 1, true, "urn:c|colour=green"},
+        {"enumerated default, defaults kept", &colour, true, 0, false, "urn:c|colour=red"},
+        {"enumerated default, defaults left out", &colour, true, 0, true, nullptr},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.label);
-        CAttributeInfoPrimitive info = I4Attribute("size", "", 1, row.optional, "7");
         Bag bag;
         if (row.set) bag.m_values[1].SetI4(row.value);
         AttributeSink sink;
-        info.AttributeToXml(Context(false, row.noDefaults), &bag, &sink);
-        ExpectWrittenAtMostOnce(sink, row.expected, ItemType_i4);
+        row.info->AttributeToXml(Context(false, row.noDefaults), &bag, &sink);
+        ExpectWrittenAtMostOnce(sink, row.expected,
+                                row.info == &colour ? ItemType_string : ItemType_i4);
     }
 }
 
@@ -162,12 +169,7 @@ TEST(CAttributeInfo, OnlyTheEnumeratedKindHonoursIgnoreNamespacesWhenReading) {
                                       CWhitespaceUtils::WhitespaceRule_Preserve,
                                       CPrimitiveRestrictions(), nullptr);
     CAttributeInfoEnum enumerated("a", "", 2, true, ColourName, ColourValue, nullptr);
-    struct Case {
-        const char* ns;
-        bool ignoreNamespaces;
-        bool primitiveAccepts;
-        bool enumAccepts;
-    };
+    struct Case { const char* ns; bool ignoreNamespaces; bool primitiveAccepts; bool enumAccepts; };
     const Case cases[] = {
         {"", false, true, true},
         {"", true, true, true},
@@ -193,26 +195,6 @@ TEST(CAttributeInfo, OnlyTheEnumeratedKindHonoursIgnoreNamespacesWhenReading) {
         if (row.primitiveAccepts) {
             EXPECT_EQ("blue", bag.m_values[1].ToString());
         }
-    }
-}
-
-TEST(CAttributeInfo, EnumeratedValuesAreWrittenAsStringsThroughTheConverter) {
-    CAttributeInfoEnum info("colour", "urn:c", 4, true, ColourName, ColourValue, "red");
-    struct Case {
-        long value;
-        bool noDefaults;
-        const char* expected;
-    };
-    const Case cases[] = {{1, true, "urn:c|colour=green"},
-                          {0, false, "urn:c|colour=red"},
-                          {0, true, nullptr}};
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.value);
-        Bag bag;
-        bag.m_values[4].SetI4(row.value);
-        AttributeSink sink;
-        info.AttributeToXml(Context(false, row.noDefaults), &bag, &sink);
-        ExpectWrittenAtMostOnce(sink, row.expected, ItemType_string);
     }
 }
 

@@ -10,6 +10,18 @@ using namespace KxXmlLib16;
 using namespace KxXmlLib16Data;
 using KxExamples::CLine;
 
+namespace {
+
+// An unrestricted string member record of kind R, with no format and no default.
+template <typename R>
+R Text(const char* name, const char* ns, int memberId,
+       CWhitespaceUtils::WhitespaceRule rule = CWhitespaceUtils::WhitespaceRule_None) {
+    return R(name, ns, memberId, false, ItemType_string, nullptr, rule, CPrimitiveRestrictions(),
+             nullptr);
+}
+
+}  // namespace
+
 TEST(CElementInfo, IsThisElementComparesNameAndNamespace) {
     CXmlDocument doc;
     doc.LoadXml("<r xmlns:n=\"urn:n\"><n:Note/><Note/><n:note/></r>");
@@ -18,9 +30,8 @@ TEST(CElementInfo, IsThisElementComparesNameAndNamespace) {
     CXmlElement* lower = local->GetNextSiblingElement();
     CSerializationContext strict, loose;
     loose.SetIgnoreNamespaces(true);
-    CElementInfoSeqPrimOpt info("Note", "urn:n", 3, false, ItemType_string, nullptr,
-                                CWhitespaceUtils::WhitespaceRule_Preserve,
-                                CPrimitiveRestrictions(), nullptr);
+    auto info = Text<CElementInfoSeqPrimOpt>("Note", "urn:n", 3,
+                                             CWhitespaceUtils::WhitespaceRule_Preserve);
     struct Case {
         const char* name;
         const CXmlElement* element;
@@ -30,8 +41,7 @@ TEST(CElementInfo, IsThisElementComparesNameAndNamespace) {
         {"same name and namespace", qualified, &strict, true},
         {"other namespace", local, &strict, false},
         {"other namespace ignored", local, &loose, true},
-        {"name is case-sensitive", lower, &loose, false},
-        {"no element", nullptr, &loose, false},
+        {"name is case-sensitive", lower, &loose, false}, {"no element", nullptr, &loose, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -40,20 +50,11 @@ TEST(CElementInfo, IsThisElementComparesNameAndNamespace) {
 }
 
 TEST(CElementInfo, AnyDefaultNamespaceFollowsConstraint) {
-    struct Case {
-        const char* constraint;
-        const char* defaultNs;
-        const char* expected;
-    } cases[] = {
-        {"##any", "urn:d", "urn:d"},
-        {"##other", "", "DefaultNamespace"},
-        {"##other", "urn:d", ""},
-        {"##local", "urn:d", ""},
-        {"##targetNamespace", "urn:d", "urn:t"},
-        {"##other ##local", "", "DefaultNamespace"},
-        {"##targetNamespace urn:x", "", "urn:t"},
-        {"urn:x", "urn:d", ""},
-        {"##", "urn:d", ""},
+    struct Case { const char* constraint; const char* defaultNs; const char* expected; } cases[] = {
+        {"##any", "urn:d", "urn:d"}, {"##other", "", "DefaultNamespace"}, {"##other", "urn:d", ""},
+        {"##local", "urn:d", ""}, {"##targetNamespace", "urn:d", "urn:t"},
+        {"##other ##local", "", "DefaultNamespace"}, {"##targetNamespace urn:x", "", "urn:t"},
+        {"urn:x", "urn:d", ""}, {"##", "urn:d", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.constraint);
@@ -73,21 +74,15 @@ TEST(CElementInfo, MisuseMessages) {
     KxTest::ExpectKxError<CKxException>(
         [&] { collection.Validate(CSerializationContext(), &line, true, true); },
         "Not implemented, should never be called");
-    CElementInfoSeqPrimOpt unknown("X", "", 99, false, ItemType_string, nullptr,
-                                   CWhitespaceUtils::WhitespaceRule_None,
-                                   CPrimitiveRestrictions(), nullptr);
+    auto unknown = Text<CElementInfoSeqPrimOpt>("X", "", 99);
     KxTest::ExpectKxError<CKxValidationException>(
         [&] { unknown.InvokePropertyGet(&line, value); },
         "Failed to get the property value for [X].");
 }
 
 TEST(CElementInfo, AllGroupValidation) {
-    CElementInfoAllPrimMnd mandatory("City", "", 1, false, ItemType_string, nullptr,
-                                     CWhitespaceUtils::WhitespaceRule_None,
-                                     CPrimitiveRestrictions(), nullptr);
-    CElementInfoAllPrimOpt optional("Country", "", 2, false, ItemType_string, nullptr,
-                                    CWhitespaceUtils::WhitespaceRule_None,
-                                    CPrimitiveRestrictions(), nullptr);
+    auto mandatory = Text<CElementInfoAllPrimMnd>("City", "", 1);
+    auto optional = Text<CElementInfoAllPrimOpt>("Country", "", 2);
     CLine line;
     CSerializationContext ctx;
     EXPECT_TRUE(mandatory.Validate(ctx, &line, true, true));
@@ -103,9 +98,7 @@ TEST(CElementInfo, ChoiceBranchLeavesCursorOnMismatch) {
     doc.LoadXml("<r><Card>c</Card><Invoice>i</Invoice></r>");
     CXmlElement* parent = doc.GetDocumentElement();
     CXmlElement* cursor = parent->GetFirstElement();
-    CElementInfoChoicePrimOpt invoice("Invoice", "", CLine::Id_Note, false, ItemType_string,
-                                      nullptr, CWhitespaceUtils::WhitespaceRule_None,
-                                      CPrimitiveRestrictions(), nullptr);
+    auto invoice = Text<CElementInfoChoicePrimOpt>("Invoice", "", CLine::Id_Note);
     CLine line;
     CSerializationContext ctx;
     EXPECT_FALSE(invoice.ElementFromXml(ctx, &line, parent, &cursor, "", XmlElementType_Element));
@@ -120,9 +113,7 @@ TEST(CElementInfo, MandatoryMemberSkipsUnknownElementsOnlyWhenTolerant) {
     CXmlDocument doc;
     doc.LoadXml("<r><Junk/><Sku>s</Sku></r>");
     CXmlElement* parent = doc.GetDocumentElement();
-    CElementInfoSeqPrimMnd sku("Sku", "", CLine::Id_Sku, false, ItemType_string, nullptr,
-                               CWhitespaceUtils::WhitespaceRule_None, CPrimitiveRestrictions(),
-                               nullptr);
+    auto sku = Text<CElementInfoSeqPrimMnd>("Sku", "", CLine::Id_Sku);
     CLine line;
     CSerializationContext strict, tolerant;
     tolerant.SetIgnoreUnknownElements(true);

@@ -19,28 +19,17 @@ constexpr Rule kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 }  // namespace
 
 TEST(CWhitespaceUtils, AppliesEachRule) {
-    struct Case {
-        Rule rule;
-        std::string in;
-        std::string out;
-    } const cases[] = {
-        {kNone, " a\r\n\tb ", " a\r\n\tb "},
-        {kPreserve, "a\r\nb", "a\nb"},
-        {kPreserve, "a\r\r\nb\r", "a\n\nb\n"},
-        {kPreserve, "a\n\rb", "a\n\nb"},
+    struct Case { Rule rule; std::string in; std::string out; } const cases[] = {
+        {kNone, " a\r\n\tb ", " a\r\n\tb "}, {kPreserve, "a\r\nb", "a\nb"},
+        {kPreserve, "a\r\r\nb\r", "a\n\nb\n"}, {kPreserve, "a\n\rb", "a\n\nb"},
         {kPreserve, " \t a \n", " \t a \n"},
         {kReplace, "a\r\nb", "a b"},  // one blank for the pair
-        {kReplace, "a\tb\nc\rd", "a b c d"},
-        {kReplace, "\r\r\n", "  "},
-        {kReplace, "  x  ", "  x  "},
-        {kCollapse, " \t  \t", ""},
-        {kCollapse, "", ""},
+        {kReplace, "a\tb\nc\rd", "a b c d"}, {kReplace, "\r\r\n", "  "},
+        {kReplace, "  x  ", "  x  "}, {kCollapse, " \t  \t", ""}, {kCollapse, "", ""},
         {kCollapse, "  one \t\r\n two   three\n", "one two three"},
         {kCollapse, "a\fb \v c\x01", "a\fb \v c\x01"},  // other control characters are bytes
-        {kCollapse, "\xC3\xA9 \t \xE2\x82\xAC", "\xC3\xA9 \xE2\x82\xAC"},
-        {kCollapse, " a", "a"},
-        {kCollapse, "a ", "a"},
-        {kCollapse, "a b", "a b"},
+        {kCollapse, "\xC3\xA9 \t \xE2\x82\xAC", "\xC3\xA9 \xE2\x82\xAC"}, {kCollapse, " a", "a"},
+        {kCollapse, "a ", "a"}, {kCollapse, "a b", "a b"},
         {kCollapse, std::string("a\0 \0b", 5), std::string("a\0 \0b", 5)},
     };
     for (const Case& row : cases) {

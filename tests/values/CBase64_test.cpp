@@ -25,17 +25,10 @@ std::string Decode(const std::string& text) {
 }  // namespace
 
 TEST(CBase64, TakesBitsMostSignificantFirst) {
-    struct Case {
-        std::string bytes;
-        const char* text;
-    };
+    struct Case { std::string bytes; const char* text; };
     const Case cases[] = {
-        {std::string(1, '\0'), "AA=="},
-        {"\xFF\xFF", "//8="},
-        {"\xFB\xEF\xBE", "++++"},
-        {"\x80", "gA=="},
-        {std::string("\x00\x10\x83", 3), "ABCD"},
-        {"foobar", "Zm9vYmFy"},
+        {std::string(1, '\0'), "AA=="}, {"\xFF\xFF", "//8="}, {"\xFB\xEF\xBE", "++++"},
+        {"\x80", "gA=="}, {std::string("\x00\x10\x83", 3), "ABCD"}, {"foobar", "Zm9vYmFy"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.text);

@@ -1,5 +1,6 @@
 // Tests of CBigInteger: lenient parsing, formatting, arithmetic against __int128, narrowing.
 #include <climits>
+#include <functional>
 #include <cmath>
 #include <random>
 #include <sstream>
@@ -28,35 +29,15 @@ std::string RandomDigits(std::mt19937_64& rng, int digits, bool allowNegative) {
 }  // namespace
 
 TEST(CBigInteger, ParsesTextsLenientlyAsDocumented) {
-    struct Case {
-        const char* in;
-        const char* out;
-    };
+    struct Case { const char* in; const char* out; };
     const Case cases[] = {
-        {"0", "0"},
-        {"-0", "0"},
-        {"123", "123"},
-        {"-123", "-123"},
-        {"  -123  ", "-123"},
-        {"000123", "123"},
-        {"-000", "0"},
-        {"+5", "5"},
-        {"1 2", "2"},
-        {"12+34", "34"},
-        {"12-", "0"},
-        {"", "0"},
-        {"-", "0"},
-        {"   ", "0"},
-        {"\t7", "7"},
-        {"  -  12", "-12"},
+        {"0", "0"}, {"-0", "0"}, {"123", "123"}, {"-123", "-123"}, {"  -123  ", "-123"},
+        {"000123", "123"}, {"-000", "0"}, {"+5", "5"}, {"1 2", "2"}, {"12+34", "34"}, {"12-", "0"},
+        {"", "0"}, {"-", "0"}, {"   ", "0"}, {"\t7", "7"}, {"  -  12", "-12"},
         {"123456789012345678901234567890", "123456789012345678901234567890"},
         {"-98765432109876543210987654321098765432", "-98765432109876543210987654321098765432"},
         // Any other character sends the text through the decimal parser, truncating.
-        {"12.7", "12"},
-        {"-12.7", "-12"},
-        {"-0.5", "0"},
-        {".9", "0"},
-        {"+1.5", "1"},
+        {"12.7", "12"}, {"-12.7", "-12"}, {"-0.5", "0"}, {".9", "0"}, {"+1.5", "1"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.in);
@@ -90,16 +71,9 @@ TEST(CBigInteger, BuiltInIntegersConvertExactly) {
 }
 
 TEST(CBigInteger, DoubleGivesItsExactIntegerPart) {
-    struct Case {
-        double in;
-        const char* out;
-    };
+    struct Case { double in; const char* out; };
     const Case cases[] = {
-        {0.0, "0"},
-        {-0.9, "0"},
-        {2.9, "2"},
-        {-2.9, "-2"},
-        {1e20, "100000000000000000000"},
+        {0.0, "0"}, {-0.9, "0"}, {2.9, "2"}, {-2.9, "-2"}, {1e20, "100000000000000000000"},
         {-1.5e19, "-15000000000000000000"},
         {std::ldexp(1.0, 100), "1267650600228229401496703205376"},
         {-std::ldexp(1.0, 200),
@@ -145,12 +119,7 @@ TEST(CBigInteger, ComparesBySignAndMagnitude) {
 }
 
 TEST(CBigInteger, DivisionTruncatesTowardZero) {
-    struct Case {
-        long long a;
-        long long b;
-        const char* quotient;
-        const char* remainder;
-    };
+    struct Case { long long a; long long b; const char* quotient; const char* remainder; };
     const Case cases[] = {
         {-7, 2, "-3", "-1"}, {7, -2, "-3", "1"}, {-7, -2, "3", "-1"}, {7, 2, "3", "1"},
         {0, 5, "0", "0"},    {3, 7, "0", "3"},   {-3, 7, "0", "-3"},  {100, 10, "10", "0"},
@@ -242,10 +211,7 @@ TEST(CBigInteger, SignHelpersFlipOrClearTheSign) {
 }
 
 TEST(CBigInteger, SquareRootIsTheFloorOfTheRoot) {
-    struct Case {
-        const char* in;
-        const char* out;
-    };
+    struct Case { const char* in; const char* out; };
     const Case cases[] = {
         {"0", "0"},     {"1", "1"},   {"2", "1"},     {"3", "1"},     {"4", "2"},
         {"99", "9"},    {"100", "10"}, {"101", "10"}, {"1000", "31"}, {"-0", "0"},
@@ -291,55 +257,46 @@ TEST(CBigInteger, NarrowingChecksTheTargetRange) {
     }
 }
 
+// Digit vectors hold the magnitude least significant digit first. Rows run in order and
+// reuse their output vectors, so each builder must replace what was there.
 TEST(CBigInteger, DigitHelpersWorkOnMagnitudes) {
-    std::vector<char> digits;
-    CBigInteger::Build("00120", digits);
-    EXPECT_EQ((std::vector<char>{0, 2, 1}), digits);
-    CBigInteger::Build("a-45", digits);
-    EXPECT_EQ((std::vector<char>{5, 4}), digits);
-    CBigInteger::Build(4096U, digits);
-    EXPECT_EQ((std::vector<char>{6, 9, 0, 4}), digits);
-    CBigInteger::BuildDWORDLONG(0, digits);
-    EXPECT_EQ((std::vector<char>{0}), digits);
-    CBigInteger::BuildDouble(-123.7, digits);
-    EXPECT_EQ((std::vector<char>{3, 2, 1}), digits);
-
-    std::vector<char> shifted{3, 2, 1};
-    CBigInteger::ShiftLeft(shifted, 2);
-    EXPECT_EQ((std::vector<char>{0, 0, 3, 2, 1}), shifted);
-    std::vector<char> zero{0};
-    CBigInteger::ShiftLeft(zero, 3);
-    EXPECT_EQ((std::vector<char>{0}), zero);
-
-    std::vector<char> unclean{4, 0, 0};
-    CBigInteger::Clean(unclean);
-    EXPECT_EQ((std::vector<char>{4}), unclean);
-    std::vector<char> empty;
-    EXPECT_EQ(-1, CBigInteger::Position(empty));
-    CBigInteger::Clean(empty);
-    EXPECT_EQ((std::vector<char>{0}), empty);
-    EXPECT_EQ(2, CBigInteger::Position(std::vector<char>{0, 0, 7, 0}));
-
-    EXPECT_EQ(0, CBigInteger::Compare(std::vector<char>(), std::vector<char>{0}));
-    EXPECT_EQ(1, CBigInteger::Compare(std::vector<char>{0, 1}, std::vector<char>{9}));
-    EXPECT_EQ(-1, CBigInteger::Compare(std::vector<char>{1, 2}, std::vector<char>{2, 2}));
-
-    std::vector<char> product;
-    CBigInteger::Multiply(std::vector<char>{9, 9, 9}, static_cast<char>(9), product);
-    EXPECT_EQ((std::vector<char>{1, 9, 9, 8}), product);  // 999 * 9 = 8991
-    CBigInteger::Multiply(std::vector<char>{5, 2}, std::vector<char>{0}, product);
-    EXPECT_EQ((std::vector<char>{0}), product);
-
-    std::vector<char> difference;
-    CBigInteger::Subtract(std::vector<char>{0, 0, 1}, std::vector<char>{1}, difference);
-    EXPECT_EQ((std::vector<char>{9, 9}), difference);  // 100 - 1
-    std::vector<char> quotient;
-    std::vector<char> remainder;
-    CBigInteger::Divide(std::vector<char>{7, 5, 3, 1}, std::vector<char>{2, 1}, quotient,
-                        remainder);  // 1357 = 12 * 113 + 1
-    EXPECT_EQ((std::vector<char>{3, 1, 1}), quotient);
-    EXPECT_EQ((std::vector<char>{1}), remainder);
-
+    using D = std::vector<char>;
+    D digits, product, quotient, remainder;
+    struct Case { const char* name; std::function<D()> run; D expected; } cases[] = {
+        {"Build text", [&] { CBigInteger::Build("00120", digits); return digits; }, {0, 2, 1}},
+        {"Build skips non-digits", [&] { CBigInteger::Build("a-45", digits); return digits; },
+         {5, 4}},
+        {"Build unsigned", [&] { CBigInteger::Build(4096U, digits); return digits; },
+         {6, 9, 0, 4}},
+        {"BuildDWORDLONG", [&] { CBigInteger::BuildDWORDLONG(0, digits); return digits; }, {0}},
+        {"BuildDouble", [&] { CBigInteger::BuildDouble(-123.7, digits); return digits; },
+         {3, 2, 1}},
+        {"ShiftLeft", [] { D d{3, 2, 1}; CBigInteger::ShiftLeft(d, 2); return d; },
+         {0, 0, 3, 2, 1}},
+        {"ShiftLeft of zero", [] { D d{0}; CBigInteger::ShiftLeft(d, 3); return d; }, {0}},
+        {"Clean", [] { D d{4, 0, 0}; CBigInteger::Clean(d); return d; }, {4}},
+        {"Clean of nothing", [] { D d; CBigInteger::Clean(d); return d; }, {0}},
+        {"Multiply by a digit",  // 999 * 9 = 8991
+         [&] { CBigInteger::Multiply(D{9, 9, 9}, static_cast<char>(9), product); return product; },
+         {1, 9, 9, 8}},
+        {"Multiply by zero",
+         [&] { CBigInteger::Multiply(D{5, 2}, D{0}, product); return product; }, {0}},
+        {"Subtract",  // 100 - 1
+         [] { D d; CBigInteger::Subtract(D{0, 0, 1}, D{1}, d); return d; }, {9, 9}},
+        {"Divide",  // 1357 = 12 * 113 + 1
+         [&] { CBigInteger::Divide(D{7, 5, 3, 1}, D{2, 1}, quotient, remainder); return quotient; },
+         {3, 1, 1}},
+        {"Divide's remainder", [&] { return remainder; }, {1}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(c.expected, c.run());
+    }
+    EXPECT_EQ(-1, CBigInteger::Position(D()));
+    EXPECT_EQ(2, CBigInteger::Position(D{0, 0, 7, 0}));
+    EXPECT_EQ(0, CBigInteger::Compare(D(), D{0}));
+    EXPECT_EQ(1, CBigInteger::Compare(D{0, 1}, D{9}));
+    EXPECT_EQ(-1, CBigInteger::Compare(D{1, 2}, D{2, 2}));
     EXPECT_EQ("1", CBigInteger::Pow10(0).ToString());
     EXPECT_EQ("1" + std::string(40, '0'), CBigInteger::Pow10(40).ToString());
 }

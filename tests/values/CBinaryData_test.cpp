@@ -119,10 +119,7 @@ TEST(CBinaryData, IndexEqualToTheLengthPassesAndStaysInsideMemory) {
     adopted[2] = 'z';
     EXPECT_EQ("ab", ToString(adopted));
 
-    struct Case {
-        CBinaryData value;
-        unsigned long index;
-    };
+    struct Case { CBinaryData value; unsigned long index; };
     const Case cases[] = {{CBinaryData("ab"), 3}, {CBinaryData("ab"), 100}, {CBinaryData(), 0}};
     for (const Case& row : cases) {
         SCOPED_TRACE(row.index);
@@ -134,11 +131,7 @@ TEST(CBinaryData, IndexEqualToTheLengthPassesAndStaysInsideMemory) {
 }
 
 TEST(CBinaryData, EqualityComparesLengthAndBytes) {
-    struct Case {
-        CBinaryData left;
-        CBinaryData right;
-        bool equal;
-    };
+    struct Case { CBinaryData left; CBinaryData right; bool equal; };
     const Case cases[] = {
         {CBinaryData(), CBinaryData(), true},
         {CBinaryData(), FromString(std::string(1, '\0')), false},

@@ -96,8 +96,7 @@ TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
         {"i4", " 42 ", kCollapse, "42", ""},
         {"i4", " 42", kPreserve, "42", ""},  // the C library skips the leading blank
         {"i4", " 42 ", kPreserve, nullptr, NotConverted(" 42 ", "i4")},
-        {"i4", "+7", kNone, "7", ""},
-        {"i4", "-0", kNone, "0", ""},
+        {"i4", "+7", kNone, "7", ""}, {"i4", "-0", kNone, "0", ""},
         {"i4", "000000000000000000000042", kNone, "42", ""},
         {"i4", "2147483648", kNone, "2147483648", ""},  // 64-bit carrier, no int range test
         {"i4", "-9223372036854775808", kNone, "-9223372036854775808", ""},
@@ -119,15 +118,13 @@ TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
         {"ui8", "-18446744073709551616", kNone, nullptr, TooLarge("-18446744073709551616", "ui8")},
         // Narrow types: the wide parse and its messages first, then the range, whose message
         // quotes the text as passed in.
-        {"i1", "-128", kNone, "-128", ""},
-        {"i1", "128", kNone, nullptr, TooLarge("128", "i1")},
+        {"i1", "-128", kNone, "-128", ""}, {"i1", "128", kNone, nullptr, TooLarge("128", "i1")},
         {"i1", "-129", kNone, nullptr, TooLarge("-129", "i1")},
         {"i1", " 128 ", kCollapse, nullptr, TooLarge(" 128 ", "i1")},
         {"i1", " x ", kCollapse, nullptr, NotConverted("x", "i4")},
         {"i2", "-32768", kNone, "-32768", ""},
         {"i2", "32768", kNone, nullptr, TooLarge("32768", "i2")},
-        {"ui1", "255", kNone, "255", ""},
-        {"ui1", "256", kNone, nullptr, TooLarge("256", "ui1")},
+        {"ui1", "255", kNone, "255", ""}, {"ui1", "256", kNone, nullptr, TooLarge("256", "ui1")},
         {"ui1", "-1", kNone, nullptr, TooLarge("-1", "ui1")},
         {"ui1", "", kNone, nullptr, NotConverted("", "ui4")},
         {"ui2", "65535", kNone, "65535", ""},
@@ -141,31 +138,20 @@ TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
 }
 
 TEST(CConversions, FloatsReadTheSpecialSpellingsAndWriteOnlyNaNAndINF) {
+    // Ordinary values are compared with the C library in DefaultFloatTextIsPrintfGeneralFormat.
     RunCases({
         {"r8", "", kNone, nullptr, NotConverted("", "r8")},
-        {"r8", "1", kNone, "1", ""},
-        {"r8", "0.1", kNone, "0.1", ""},
-        {"r8", "1e21", kNone, "1e+21", ""},
-        {"r8", "-2.5E-3", kNone, "-0.0025", ""},
-        {"r8", "0.30000000000000004", kNone, "0.3", ""},
-        {"r8", "NaN", kNone, "NaN", ""},
-        {"r8", "1.#QNAN", kNone, "NaN", ""},
-        {"r8", "-NAN", kNone, "NaN", ""},
-        {"r8", "nan", kNone, "NaN", ""},
-        {"r8", "-INF", kNone, "-INF", ""},
-        {"r8", " INF ", kCollapse, "INF", ""},
+        {"r8", "NaN", kNone, "NaN", ""}, {"r8", "1.#QNAN", kNone, "NaN", ""},
+        {"r8", "-NAN", kNone, "NaN", ""}, {"r8", "nan", kNone, "NaN", ""},
+        {"r8", "-INF", kNone, "-INF", ""}, {"r8", " INF ", kCollapse, "INF", ""},
         {"r8", "inf", kNone, "INF", ""},
         {"r8", "1e400", kNone, "INF", ""},  // strtod's range error is ignored
-        {"r8", "0x10", kNone, "16", ""},
-        {"r8", "1.5x", kNone, nullptr, NotConverted("1.5x", "r8")},
+        {"r8", "0x10", kNone, "16", ""}, {"r8", "1.5x", kNone, nullptr, NotConverted("1.5x", "r8")},
         {"r8", "1,5", kNone, nullptr, NotConverted("1,5", "r8")},
         {"r8", " 1 ", kPreserve, nullptr, NotConverted(" 1 ", "r8")},
         {"r8", "\t1.5", kNone, "1.5", ""},  // the C library skips leading whitespace
         {"r8", "\f-INF", kNone, "-INF", ""},
-        {"r4", "3.4e39", kNone, "INF", ""},
-        {"r4", "-3.4e39", kNone, "-INF", ""},
-        {"r4", "0.1", kNone, "0.1", ""},
-        {"r4", "100000000", kNone, "1e+08", ""},
+        {"r4", "3.4e39", kNone, "INF", ""}, {"r4", "-3.4e39", kNone, "-INF", ""},
         {"r4", "abc", kNone, nullptr, NotConverted("abc", "r4")},
     });
     const float nan4 = CConversions::r4FromString("-NAN", kNone);
@@ -178,11 +164,7 @@ TEST(CConversions, FloatsReadTheSpecialSpellingsAndWriteOnlyNaNAndINF) {
 }
 
 TEST(CConversions, FloatFormatsArePrintfFormatsCutToTheBuffer) {
-    struct Case {
-        double value;
-        const char* format;
-        std::string out;
-    } const cases[] = {
+    struct Case { double value; const char* format; std::string out; } const cases[] = {
         {3.14159, "%.2f", "3.14"},
         {1.0, "%e", "1.000000e+00"},
         {0.5, "[%8.3f]", "[   0.500]"},
@@ -219,20 +201,16 @@ TEST(CConversions, DefaultFloatTextIsPrintfGeneralFormat) {
 
 TEST(CConversions, BooleanCharStringAndBareDatePartsFollowTheirRules) {
     RunCases({
-        {"boolean", "tRuE", kNone, "true", ""},
-        {"boolean", "1", kNone, "true", ""},
-        {"boolean", " FaLsE\n", kCollapse, "false", ""},
-        {"boolean", "0", kNone, "false", ""},
+        {"boolean", "tRuE", kNone, "true", ""}, {"boolean", "1", kNone, "true", ""},
+        {"boolean", " FaLsE\n", kCollapse, "false", ""}, {"boolean", "0", kNone, "false", ""},
         {"boolean", " yes ", kCollapse, nullptr, BadBoolean(" yes ")},
         {"boolean", "01", kNone, nullptr, BadBoolean("01")},
-        {"char", " a ", kCollapse, "a", ""},
-        {"char", "", kNone, nullptr, BadChar("")},
+        {"char", " a ", kCollapse, "a", ""}, {"char", "", kNone, nullptr, BadChar("")},
         {"char", " ab\t", kCollapse, nullptr, BadChar("ab")},
         {"char", "\xC3\xA9", kNone, nullptr, BadChar("\xC3\xA9")},
         {"string", " a \t b\r\n", kCollapse, "a b", ""},
         {"string", " a \t b\r\n", kNone, " a \t b\r\n", ""},
-        {"year", "0005", kNone, "5", ""},
-        {"year", "2024Z", kNone, "2024", ""},
+        {"year", "0005", kNone, "5", ""}, {"year", "2024Z", kNone, "2024", ""},
         {"month", " --12+01:00 ", kCollapse, "--12", ""},
         {"day", "---05", kNone, "---05", ""},
     });

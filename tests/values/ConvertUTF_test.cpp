@@ -37,10 +37,7 @@ Bytes To8(const Units32& in, size_t room) {
 }  // namespace
 
 TEST(ConvertUTF, Utf8MeasuresZeroWhenInvalidAnywhere) {
-    struct Case {
-        std::string in;
-        unsigned long utf16, utf32;
-    } const cases[] = {
+    struct Case { std::string in; unsigned long utf16, utf32; } const cases[] = {
         {"A", 1, 1}, {"h\xC3\xA9", 2, 2}, {"\xE2\x82\xAC", 1, 1}, {"\xF0\x9F\x98\x80", 2, 1},
         {"\xF4\x8F\xBF\xBF", 2, 1}, {"", 0, 0},
         {"\xC0\xAF", 0, 0},              // overlong slash
@@ -61,17 +58,11 @@ TEST(ConvertUTF, Utf8MeasuresZeroWhenInvalidAnywhere) {
 }
 
 TEST(ConvertUTF, ConvertingStopsAtAnInvalidSequenceOrWhenTheTargetIsFull) {
-    struct Case {
-        std::string in;
-        size_t room;
-        Units16 out;
-    } const cases[] = {
-        {"ab\xC0\xAF" "cd", 16, {'a', 'b'}},
-        {"a\xE2\x82", 16, {'a'}},
+    struct Case { std::string in; size_t room; Units16 out; } const cases[] = {
+        {"ab\xC0\xAF" "cd", 16, {'a', 'b'}}, {"a\xE2\x82", 16, {'a'}},
         {"\xC3\xA9\xED\xA0\x80x", 16, {0xE9}},
         {"\xF0\x9F\x98\x80", 1, {}},  // a surrogate pair is not split
-        {"a\xF0\x9F\x98\x80", 2, {'a'}},
-        {"a\xF0\x9F\x98\x80", 3, {'a', 0xD83D, 0xDE00}},
+        {"a\xF0\x9F\x98\x80", 2, {'a'}}, {"a\xF0\x9F\x98\x80", 3, {'a', 0xD83D, 0xDE00}},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(::testing::PrintToString(row.in));
@@ -106,10 +97,8 @@ TEST(ConvertUTF, Utf32RejectsSurrogatesAndReplacesBeyondTheRangeInUtf8) {
     } const cases[] = {
         {{0x41, 0x7FF, 0x800}, 6, 3, "A\xDF\xBF\xE0\xA0\x80"},
         {{0xFFFF, 0x10000}, 7, 3, "\xEF\xBF\xBF\xF0\x90\x80\x80"},
-        {{0x10FFFF}, 4, 2, "\xF4\x8F\xBF\xBF"},
-        {{0x110000}, 3, 0, "\xEF\xBF\xBD"},
-        {{'a', 0xFFFFFFFF}, 4, 0, "a\xEF\xBF\xBD"},
-        {{'a', 0xD800}, 0, 0, "a"},
+        {{0x10FFFF}, 4, 2, "\xF4\x8F\xBF\xBF"}, {{0x110000}, 3, 0, "\xEF\xBF\xBD"},
+        {{'a', 0xFFFFFFFF}, 4, 0, "a\xEF\xBF\xBD"}, {{'a', 0xD800}, 0, 0, "a"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(::testing::PrintToString(row.bytes));
