@@ -6,12 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "ExampleDocuments.h"
 #include "FlatBindings.h"
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
 
 using namespace KxXmlLib16;
 using KxExamples::CLine;
+using KxExampleTest::MakeFlatLine;
 namespace Data = KxXmlLib16Data;
 
 namespace {
@@ -20,17 +22,6 @@ const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
 const char kXmlNs[] = "http://www.w3.org/XML/1998/namespace";
 
 typedef std::function<void(CSerializationContext&)> Options;
-
-CLine MakeLine() {
-    CLine line;
-    line.m_sku = "AB-1";
-    line.m_hasSku = true;
-    line.m_quantity = 3;
-    line.m_hasQuantity = true;
-    line.m_id = "L1";
-    line.m_hasId = true;
-    return line;
-}
 
 void AddRootAttribute(const CSerializationContext& ctx, const char* name, const char* value,
                       const char* ns) {
@@ -99,7 +90,7 @@ private:
 // <Holder xmlns="urn:h"> with one mandatory CLine child, to see the child written below a root.
 class CHolder : public CXmlGeneratedClass {
 public:
-    CHolder() : m_line(new CLine(MakeLine())) { SetElementName("Holder"); }
+    CHolder() : m_line(new CLine(MakeFlatLine())) { SetElementName("Holder"); }
     CXmlObjectBase* Clone() const override { return new CHolder(); }
     Data::CParentElementInfo* GetClassInfo() const override {
         static Data::CParentElementInfo info(Data::XmlElementGroupType_Sequence,
@@ -160,7 +151,7 @@ public:
     bool m_hasCode = false;
 };
 
-const char kLineBody[] = "<AA:Sku>AB-1</AA:Sku><AA:Quantity>3</AA:Quantity></AA:Line>";
+const std::string kLineBody = "<AA:Sku>AB-1</AA:Sku><AA:Quantity>3</AA:Quantity></AA:Line>";
 
 }  // namespace
 
@@ -170,8 +161,7 @@ TEST(CXmlGeneratedClass, RootCarriesTheContextsDocumentOptions) {
         Options options;
         std::string expected;
     };
-    const std::string line = std::string("<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\">") +
-                             kLineBody;
+    const std::string line = "<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\">" + kLineBody;
     const Case cases[] = {
         {"no options", [](CSerializationContext&) {}, line},
         {"processing instructions before the root, in order",
@@ -189,16 +179,16 @@ TEST(CXmlGeneratedClass, RootCarriesTheContextsDocumentOptions) {
              ctx.GetNamespaceAliases().Add("z", "urn:zz");
              ctx.GetNamespaceAliases().Add("a", "urn:aa");
          },
-         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns:a=\"urn:aa\" xmlns:z=\"urn:zz\" id=\"L1\">"
-         "<AA:Sku>AB-1</AA:Sku><AA:Quantity>3</AA:Quantity></AA:Line>"},
+         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns:a=\"urn:aa\" xmlns:z=\"urn:zz\" id=\"L1\">" +
+             kLineBody},
         {"default namespace equal to the element's",
          [](CSerializationContext& ctx) { ctx.SetDefaultNamespaceURI("urn:bench:orders"); },
          "<Line xmlns=\"urn:bench:orders\" id=\"L1\"><Sku>AB-1</Sku><Quantity>3</Quantity>"
          "</Line>"},
         {"default namespace other than the element's",
          [](CSerializationContext& ctx) { ctx.SetDefaultNamespaceURI("urn:other"); },
-         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns=\"urn:other\" id=\"L1\">"
-         "<AA:Sku>AB-1</AA:Sku><AA:Quantity>3</AA:Quantity></AA:Line>"},
+         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns=\"urn:other\" id=\"L1\">" +
+             kLineBody},
         {"default namespace and an alias of the same namespace",
          [](CSerializationContext& ctx) {
              ctx.SetDefaultNamespaceURI("urn:bench:orders");
@@ -220,18 +210,17 @@ TEST(CXmlGeneratedClass, RootCarriesTheContextsDocumentOptions) {
              ctx.GetNamespaceAliases().Add("x", "urn:x");
              AddRootAttribute(ctx, "x", "1", "urn:x");
          },
-         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns:x=\"urn:x\" x:x=\"1\" id=\"L1\">"
-         "<AA:Sku>AB-1</AA:Sku><AA:Quantity>3</AA:Quantity></AA:Line>"},
+         "<AA:Line xmlns:AA=\"urn:bench:orders\" xmlns:x=\"urn:x\" x:x=\"1\" id=\"L1\">" +
+             kLineBody},
         {"inline schema after the attributes, inside the start tag",
          [](CSerializationContext& ctx) { ctx.SetInLineSchema("<xs:schema/>"); },
-         "<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\" \n<xs:schema/>\n><AA:Sku>AB-1</AA:Sku>"
-         "<AA:Quantity>3</AA:Quantity></AA:Line>"},
+         "<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\" \n<xs:schema/>\n>" + kLineBody},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
         CSerializationContext ctx;
         row.options(ctx);
-        EXPECT_EQ(row.expected, MakeLine().ToXml(false, false, EOLType_LF, ctx));
+        EXPECT_EQ(row.expected, MakeFlatLine().ToXml(false, false, EOLType_LF, ctx));
     }
 }
 
@@ -244,7 +233,7 @@ TEST(CXmlGeneratedClass, RootOptionsFollowTheHeaderInFormattedOutput) {
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<?pi?>\n\n"
         "<o:Line xmlns:o=\"urn:bench:orders\" extra=\"1\" id=\"L1\">\n"
         "\t<o:Sku>AB-1</o:Sku>\n\t<o:Quantity>3</o:Quantity>\n</o:Line>\n",
-        MakeLine().ToXml(true, true, EOLType_LF, ctx));
+        MakeFlatLine().ToXml(true, true, EOLType_LF, ctx));
 }
 
 TEST(CXmlGeneratedClass, TypeAttributeNamesTheClassOfAnObjectWithAnotherElementName) {
@@ -310,8 +299,8 @@ TEST(CXmlGeneratedClass, TypeAttributeNamesTheClassOfAnObjectWithAnotherElementN
 TEST(CXmlGeneratedClass, ObjectBelowTheRootIgnoresTheRootOptions) {
     CSerializationContext ctx;
     AllRootOptions(ctx);
-    EXPECT_EQ(std::string("<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\">") + kLineBody,
-              WriteBelowRoot(MakeLine(), ctx));
+    EXPECT_EQ("<AA:Line xmlns:AA=\"urn:bench:orders\" id=\"L1\">" + kLineBody,
+              WriteBelowRoot(MakeFlatLine(), ctx));
     // The type attribute is not a root option: it goes on whichever element needs it.
     EXPECT_EQ("<AA:Derived xmlns:AA=\"urn:t\" "
               "xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:Base\"/>",

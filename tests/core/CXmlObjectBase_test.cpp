@@ -163,17 +163,6 @@ TEST(CXmlObjectBase, ChoiceHelpersKeepOneBranchAtATime) {
     }
 }
 
-TEST(CXmlObjectBase, ASecondBranchCanBeSelectedOnceTheFirstIsCleared) {
-    std::string current;
-    const int card = 1, invoice = 2;
-    CXmlObjectBase::Choice_SelectElement("Card", &card, current);
-    EXPECT_THROW(CXmlObjectBase::Choice_SelectElement("Invoice", &invoice, current),
-                 CKxInvalidStateException);
-    CXmlObjectBase::Choice_SelectElement("Card", nullptr, current);
-    CXmlObjectBase::Choice_SelectElement("Invoice", &invoice, current);
-    EXPECT_EQ("Invoice", current);
-}
-
 TEST(CXmlObjectBase, SetterChecksNameTheProperty) {
     int deaths = 0;
     CSmartPtr<Counted> line(new Counted(&deaths));
@@ -260,10 +249,8 @@ TEST(CXmlObjectBase, NamespaceTestsTakeCharacterPointers) {
         bool valid;
     };
     const Case cases[] = {
-        {"urn:a", "##any", "urn:t", true},
-        {"urn:t", "##other", "urn:t", false},
-        {nullptr, "##local", nullptr, true},
-        {"urn:a", nullptr, "", false},
+        {"urn:a", "##any", "urn:t", true}, {"urn:t", "##other", "urn:t", false},
+        {nullptr, "##local", nullptr, true}, {"urn:a", nullptr, "", false},
         {nullptr, nullptr, nullptr, true},  // the empty namespace passes a URI constraint
     };
     for (const Case& row : cases) {

@@ -14,29 +14,21 @@ TEST(CXmlObjectHelperNamespaces, ConstraintsAcceptTheirNamespaces) {
     };
     const Case cases[] = {
         // a single URI: itself and the empty namespace
-        {"urn:x", "urn:x", "", true},
-        {"", "urn:x", "urn:t", true},
-        {"urn:y", "urn:x", "", false},
-        {"URN:X", "urn:x", "", false},
-        {"urn:y", "", "", false},
-        {"", "", "", true},
+        {"urn:x", "urn:x", "", true}, {"", "urn:x", "urn:t", true}, {"urn:y", "urn:x", "", false},
+        {"URN:X", "urn:x", "", false}, {"urn:y", "", "", false}, {"", "", "", true},
         // ##any
         {"urn:y", "##any", "urn:t", true},
         {"", "##any", "", true},
         // ##other: anything but the target namespace, equal empty strings included
-        {"urn:y", "##other", "urn:t", true},
-        {"", "##other", "urn:t", true},
-        {"urn:t", "##other", "urn:t", false},
-        {"", "##other", "", false},
+        {"urn:y", "##other", "urn:t", true}, {"", "##other", "urn:t", true},
+        {"urn:t", "##other", "urn:t", false}, {"", "##other", "", false},
         {"urn:y", "##other", "", true},
         // ##local
         {"", "##local", "urn:t", true},
         {"urn:t", "##local", "urn:t", false},
         // ##targetNamespace
-        {"urn:t", "##targetNamespace", "urn:t", true},
-        {"", "##targetNamespace", "", true},
-        {"", "##targetNamespace", "urn:t", false},
-        {"urn:y", "##targetNamespace", "urn:t", false},
+        {"urn:t", "##targetNamespace", "urn:t", true}, {"", "##targetNamespace", "", true},
+        {"", "##targetNamespace", "urn:t", false}, {"urn:y", "##targetNamespace", "urn:t", false},
         // keywords are case-sensitive; anything else is taken as a URI
         {"urn:y", "##ANY", "", false},
         {"##ANY", "##ANY", "", true},
@@ -45,17 +37,15 @@ TEST(CXmlObjectHelperNamespaces, ConstraintsAcceptTheirNamespaces) {
         {"urn:y", "##other urn:z", "urn:t", true},
         {"", "##local ##targetNamespace", "urn:t", true},
         {"urn:t", "##local ##targetNamespace", "urn:t", false},
-        {"urn:t", "##other ##local", "urn:t", false},
-        {"urn:c", "urn:b ##any", "", false},
-        {"urn:a", "urn:a urn:b", "", false},
-        {"urn:a urn:b", "urn:a urn:b", "", true},
-        {"", "urn:a urn:b", "", true},
-        {"urn:q", "##local ##other urn:q", "", false},
+        {"urn:t", "##other ##local", "urn:t", false}, {"urn:c", "urn:b ##any", "", false},
+        {"urn:a", "urn:a urn:b", "", false}, {"urn:a urn:b", "urn:a urn:b", "", true},
+        {"", "urn:a urn:b", "", true}, {"urn:q", "##local ##other urn:q", "", false},
         {"urn:q", " urn:q", "", false},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(std::string(row.ns) + " | " + row.constraint + " | " + row.target);
-        EXPECT_EQ(row.valid, CXmlObjectHelper::IsNamespaceValid(row.ns, row.constraint, row.target));
+        EXPECT_EQ(row.valid,
+                  CXmlObjectHelper::IsNamespaceValid(row.ns, row.constraint, row.target));
     }
 }
 
@@ -104,7 +94,8 @@ TEST(CXmlObjectHelperNamespaces, ElementNamesMatchByLocalNameAndNamespace) {
         CSerializationContext ctx;
         ctx.SetIgnoreNamespaces(row.ignoreNamespaces);
         ctx.SetSchemaType(row.schemaType);
-        EXPECT_EQ(row.match, CXmlObjectHelper::DoesElementNameMatch(ctx, element, row.name, row.ns));
+        EXPECT_EQ(row.match,
+                  CXmlObjectHelper::DoesElementNameMatch(ctx, element, row.name, row.ns));
     }
     EXPECT_FALSE(CXmlObjectHelper::DoesElementNameMatch(CSerializationContext::m_defaultContext,
                                                         nullptr, "a", "urn:x"));

@@ -2,13 +2,11 @@
 // ToFastInfosetStream and read back with FromXmlStream must equal the original field by field
 // and write the same XML, whatever the compression, the value encodings and the vocabulary.
 #include <cstdio>
-#include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "FlatBindings.h"
-#include "ExampleEquality.h"
+#include "ExampleDocuments.h"
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
 #include "OrderBindings.h"
@@ -18,8 +16,6 @@ using namespace KxXmlLib16;
 using namespace KxExampleTest;
 
 namespace {
-
-const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
 
 using AddVocabulary = void (*)(CFIVocabulary&, const char*);
 
@@ -73,39 +69,9 @@ const std::string kOrders =
     "<DueDate>2024-03-31-05:00</DueDate></Invoice><Tag>日本</Tag><Total>15</Total></Order>"
     "</Orders>";
 
-std::string OrdersDoc(const std::string& root, const std::string& body,
-                      const std::string& attributes = "") {
-    return "<" + root + " xmlns=\"urn:bench:orders\"" + attributes + ">" + body + "</" + root +
-           ">";
-}
-
-std::string TestDoc(const std::string& root, const std::string& body,
-                    const std::string& attributes = "") {
-    return "<" + root + " xmlns=\"urn:kx:test\" xmlns:xsi=\"" + kXsi + "\"" + attributes + ">" +
-           body + "</" + root + ">";
-}
-
-// `count` items made by `item(i)`, concatenated.
-std::string Repeated(int count, const std::function<std::string(int)>& item) {
-    std::string text;
-    for (int i = 0; i < count; ++i) text += item(i);
-    return text;
-}
-
-const std::string kCar = "<Car><Make>VW</Make><Seats>5</Seats></Car>";
-const std::string kBike = "<Bike><Make>BMX 🚲</Make><Gears>1</Gears></Bike>";
-const std::string kPart = "<Part code=\"p\"><Value>1</Value><Note>Naïve</Note></Part>";
-
 // Fast Infoset documents at least this long shrink under gzip; the gzip variants skip the
 // smaller ones.
 const unsigned long kMinCompressible = 256;
-
-struct Case {
-    const char* what;
-    Factory make;
-    std::string xml;  // the original object is read from this document
-    Equality equal;
-};
 
 // What one schema's round trips share: the namespace written as the default one, the function
 // generated code would call to fill the vocabulary, and the vocabulary's URI.
@@ -171,18 +137,18 @@ std::string Hex(const CBinaryData& data, unsigned long count) {
     return out;
 }
 
-void RunRoundTrips(const Schema& schema, const Case* begin, const Case* end) {
+void RunRoundTrips(const Schema& schema, const std::vector<RoundTripCase>& cases) {
     KxTest::ScopedLocale utf8(LC_ALL, "C.UTF-8");
     ASSERT_TRUE(utf8.Ok()) << "no C.UTF-8 locale";
-    for (const Case* row = begin; row != end; ++row) {
+    for (const RoundTripCase& row : cases) {
         for (const Variant& variant : kVariants) {
-            SCOPED_TRACE(std::string(row->what) + ", " + variant.name);
+            SCOPED_TRACE(std::string(row.what) + ", " + variant.name);
             const CSerializationContext ctx = ContextOf(schema, variant, variant.vocabulary);
-            CSmartPtr<CXmlObjectBase> original = row->make();
-            CSmartPtr<CXmlObjectBase> back = row->make();
+            CSmartPtr<CXmlObjectBase> original = row.make();
+            CSmartPtr<CXmlObjectBase> back = row.make();
             CBinaryData bytes;
             try {
-                original->FromXml(row->xml.c_str());
+                original->FromXml(row.xml.c_str());
                 // gzip refuses data that does not shrink, which small documents do not.
                 if (variant.compression != CompressionType_None &&
                     original->ToFastInfosetStream(FInfoDecl_None, ctx).GetLength() <
@@ -196,7 +162,7 @@ void RunRoundTrips(const Schema& schema, const Case* begin, const Case* end) {
             }
             EXPECT_EQ(Hex(bytes, 4),
                       variant.compression == CompressionType_GZip ? "1f8b0800" : "e0000001");
-            EXPECT_TRUE(row->equal(*original, *back)) << Hex(bytes, 4096);
+            EXPECT_TRUE(row.equal(*original, *back)) << Hex(bytes, 4096);
             EXPECT_EQ(original->ToXml(false, false, EOLType_LF, ctx),
                       back->ToXml(false, false, EOLType_LF, ctx));
             if (!variant.vocabulary || variant.compression != CompressionType_None) continue;
@@ -208,7 +174,7 @@ void RunRoundTrips(const Schema& schema, const Case* begin, const Case* end) {
                 EXPECT_LT(bytes.GetLength(), plain.GetLength());
             }
             // A reader that lacks the vocabulary cannot make sense of the indexes.
-            CSmartPtr<CXmlObjectBase> blind = row->make();
+            CSmartPtr<CXmlObjectBase> blind = row.make();
             try {
                 blind->FromXmlStream(bytes, without);
                 ADD_FAILURE() << "read without the vocabulary";
@@ -245,7 +211,7 @@ TEST(FastInfosetRoundTrip, OrderClassesReadBackEqual) {
     const std::string address =
         "<Street>Rue de l'Église 3</Street><City>Paris</City><PostalCode>75001</PostalCode>"
         "<Country>FR</Country>";
-    const Case cases[] = {
+    const std::vector<RoundTripCase> cases = {
         {"three orders", Make<COrders>(), kOrders, ByOperator<COrders>()},
         {"order", Make<COrder>(),
          OrdersDoc("Order",
@@ -280,129 +246,15 @@ TEST(FastInfosetRoundTrip, OrderClassesReadBackEqual) {
                    " terms=\"-30\""),
          ByOperator<CInvoice>()},
     };
-    RunRoundTrips(kOrdersSchema, std::begin(cases), std::end(cases));
+    RunRoundTrips(kOrdersSchema, cases);
 }
 
 TEST(FastInfosetRoundTrip, TestSchemaClassesReadBackEqual) {
-    using namespace KxTestSchema;
-    const Case cases[] = {
-        {"part", Make<CPart>(), TestDoc("Part", "<Value>-7</Value><Note>ñ</Note>", " code=\"c\""),
-         ByOperator<CPart>()},
-        {"nil part", Make<CNilPart>(), TestDoc("NilPart", "", " xsi:nil=\"true\""),
-         ByOperator<CNilPart>()},
-        {"circle", Make<CCircle>(), TestDoc("Circle", "<Label>ø</Label><Radius>3</Radius>"),
-         ByOperator<CCircle>()},
-        {"square", Make<CSquare>(), TestDoc("Square", "<Side>2</Side>"), ByOperator<CSquare>()},
-        {"car", Make<CCar>(), TestDoc("Car", "<Make>VW</Make><Seats>5</Seats>"),
-         ByOperator<CCar>()},
-        {"bike", Make<CBike>(), TestDoc("Bike", "<Make>BMX</Make><Gears>21</Gears>"),
-         ByOperator<CBike>()},
-        {"sequence, every kind", Make<CSeqHolder>(),
-         TestDoc("SeqHolder",
-                 kPart + "<OptPart><Value>2</Value></OptPart><ListPart><Value>3</Value>"
-                         "</ListPart><ListPart><Value>3</Value></ListPart>" +
-                     kCar +
-                     "<Shape xsi:type=\"Circle\"><Label>c</Label><Radius>7</Radius></Shape>"
-                     "<ShapeItem xsi:type=\"Square\"><Side>2</Side></ShapeItem>"
-                     "<ShapeItem xsi:type=\"Circle\"><Radius>3</Radius></ShapeItem>"),
-         ByOperator<CSeqHolder>()},
-        {"sequence, optional members absent", Make<CSeqHolder>(),
-         TestDoc("SeqHolder", "<Part><Value>1</Value></Part>" + kBike), ByOperator<CSeqHolder>()},
-        {"choice, class", Make<CChoiceHolder>(), TestDoc("ChoiceHolder", kPart),
-         ByOperator<CChoiceHolder>()},
-        {"choice, class collection", Make<CChoiceHolder>(),
-         TestDoc("ChoiceHolder",
-                 "<ListPart><Value>1</Value></ListPart><ListPart><Value>2</Value></ListPart>"),
-         ByOperator<CChoiceHolder>()},
-        // Enough distinct short values to take the value and chunk tables past the index
-        // forms of one and two octets.
-        {"choice, 300 parts", Make<CChoiceHolder>(),
-         TestDoc("ChoiceHolder", Repeated(300,
-                                          [](int i) {
-                                              return "<ListPart code=\"c" + std::to_string(i % 150) +
-                                                     "\"><Value>" + std::to_string(i) +
-                                                     "</Value><Note>n" + std::to_string(i % 97) +
-                                                     "</Note></ListPart>";
-                                          })),
-         ByOperator<CChoiceHolder>()},
-        {"choice, abstract class", Make<CChoiceHolder>(),
-         TestDoc("ChoiceHolder", "<Shape xsi:type=\"Square\"><Side>4</Side></Shape>"),
-         ByOperator<CChoiceHolder>()},
-        {"choice, substitution group collection", Make<CChoiceHolder>(),
-         TestDoc("ChoiceHolder", kBike + kCar + kBike), ByOperator<CChoiceHolder>()},
-        {"all, every kind in another order", Make<CAllHolder>(),
-         TestDoc("AllHolder",
-                 "<ShapeItem xsi:type=\"Square\"><Side>2</Side></ShapeItem>" + kBike +
-                     "<ListPart><Value>3</Value></ListPart><Shape xsi:type=\"Circle\">"
-                     "<Radius>7</Radius></Shape><OptPart><Value>2</Value></OptPart>" + kPart),
-         ByOperator<CAllHolder>()},
-        {"tree", Make<CTree>(),
-         TestDoc("Tree", "<Branch><Part code=\"c\"><Value>9</Value></Part></Branch>"), SameTree},
-        {"branch", Make<CBranch>(), TestDoc("Branch", "<Part><Value>8</Value></Part>"),
-         SameBranch},
-        {"box: group class, unqualified elements", Make<CBox>(),
-         TestDoc("Box",
-                 "<Name>crate</Name><Width>3</Width><Height>4</Height>"
-                 "<Comment xmlns=\"\">fragile ✓</Comment>"
-                 "<LocalPart xmlns=\"\"><Value xmlns=\"urn:kx:test\">5</Value></LocalPart>",
-                 " id=\"b1\" unit=\"cm\""),
-         SameBox},
-        {"box, mandatory members only", Make<CBox>(),
-         TestDoc("Box", "<Name>n</Name><Width>1</Width><Height>2</Height>"), SameBox},
-        {"nil holder, values", Make<CNilHolder>(),
-         TestDoc("NilHolder", "<Maybe><Value>1</Value></Maybe><Plain><Value>2</Value></Plain>"),
-         SameNilHolder},
-        {"nil holder, both nil", Make<CNilHolder>(),
-         TestDoc("NilHolder", "<Maybe xsi:nil=\"true\"/><Plain xsi:nil=\"true\"/>"),
-         SameNilHolder},
-        {"any in a sequence", Make<CAnySeq>(),
-         TestDoc("AnySeq",
-                 "<Head>h</Head><o:X xmlns:o=\"urn:kx:other\" a=\"1\" o:b=\"2\"><o:Y>y</o:Y>"
-                 "<o:Y>y</o:Y></o:X><loc xmlns=\"\">l</loc><e:E xmlns:e=\"urn:kx:extra\">1</e:E>"
-                 "<e:E xmlns:e=\"urn:kx:extra\">Ⅱ</e:E>"),
-         ByXmlOnly},
-        {"any in a choice", Make<CAnyChoice>(),
-         TestDoc("AnyChoice", "<n:One xmlns:n=\"urn:kx:one\"><n:V>1</n:V></n:One>"), ByXmlOnly},
-        {"any collection in a choice", Make<CAnyChoice>(),
-         TestDoc("AnyChoice",
-                 "<e:E xmlns:e=\"urn:kx:extra\">1</e:E><e:F xmlns:e=\"urn:kx:extra\">2</e:F>"),
-         ByXmlOnly},
-        {"any in an all group", Make<CAnyAll>(),
-         TestDoc("AnyAll",
-                 "<e:E xmlns:e=\"urn:kx:extra\">1</e:E><loc xmlns=\"\">l</loc>"
-                 "<n:One xmlns:n=\"urn:kx:one\">x</n:One>"),
-         ByXmlOnly},
-    };
-    RunRoundTrips(kTestSchema, std::begin(cases), std::end(cases));
+    RunRoundTrips(kTestSchema, TestSchemaCases());
 }
 
 TEST(FastInfosetRoundTrip, FlatClassesReadBackEqual) {
-    using namespace KxExamples;
-    const Case cases[] = {
-        {"line, every member", Make<CLine>(),
-         OrdersDoc("Line",
-                   "<Sku>A&amp;B</Sku><Quantity>3</Quantity><Note>n</Note><Tag>x</Tag>"
-                   "<Tag>x</Tag><Tag>ÿ</Tag>",
-                   " id=\"L1\""),
-         SameFlatLine},
-        {"line, 200 tags", Make<CLine>(),
-         OrdersDoc("Line",
-                   "<Sku>S</Sku><Quantity>1</Quantity>" +
-                       Repeated(200, [](int i) {
-                           return "<Tag>" + std::string(i % 3 == 0 ? "τ" : "t") +
-                                  std::to_string(i % 70) + "</Tag>";
-                       }),
-                   " id=\"L2\""),
-         SameFlatLine},
-        {"payment, card", Make<CPayment>(), OrdersDoc("Payment", "<Card>4111</Card>"),
-         SameFlatPayment},
-        {"payment, invoice", Make<CPayment>(), OrdersDoc("Payment", "<Invoice>I-1</Invoice>"),
-         SameFlatPayment},
-        {"address in another order", Make<CAddress>(),
-         OrdersDoc("Address", "<City>c</City><Country>IS</Country><Street>s</Street>"),
-         SameFlatAddress},
-    };
-    RunRoundTrips(kFlatSchema, std::begin(cases), std::end(cases));
+    RunRoundTrips(kFlatSchema, FlatCases());
 }
 
 // Every XML declaration the writer offers is skipped by the reader, in a stream and in a file.

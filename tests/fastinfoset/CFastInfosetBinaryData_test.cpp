@@ -40,33 +40,16 @@ struct TextAndOctets {
 TEST(CFastInfosetBinaryData, SingleValuesEncodeBigEndianAndDecodeBack) {
     using Case = TextAndOctets;
     const Case cases[] = {
-        {1, "01ABCD", "01ABCD"},
-        {1, "", ""},
-        {2, "AQIDBA==", "01020304"},
-        {3, "1", "0001"},
-        {3, "-2", "FFFE"},
-        {3, "32767", "7FFF"},
-        {3, "-32768", "8000"},
-        {4, "1", "00000001"},
-        {4, "-2", "FFFFFFFE"},
-        {4, "16909060", "01020304"},
-        {4, "2147483647", "7FFFFFFF"},
-        {4, "-2147483648", "80000000"},
-        {5, "1", "0000000000000001"},
-        {5, "-2", "FFFFFFFFFFFFFFFE"},
+        {1, "01ABCD", "01ABCD"}, {1, "", ""}, {2, "AQIDBA==", "01020304"}, {3, "1", "0001"},
+        {3, "-2", "FFFE"}, {3, "32767", "7FFF"}, {3, "-32768", "8000"}, {4, "1", "00000001"},
+        {4, "-2", "FFFFFFFE"}, {4, "16909060", "01020304"}, {4, "2147483647", "7FFFFFFF"},
+        {4, "-2147483648", "80000000"}, {5, "1", "0000000000000001"}, {5, "-2", "FFFFFFFFFFFFFFFE"},
         {5, "72623859790382856", "0102030405060708"},
         {5, "9223372036854775807", "7FFFFFFFFFFFFFFF"},
-        {5, "-9223372036854775808", "8000000000000000"},
-        {6, "true", "38"},
-        {6, "false", "30"},
-        {7, "1.5", "3FC00000"},
-        {7, "-0.25", "BE800000"},
-        {7, "0.15625", "3E200000"},
-        {7, "INF", "7F800000"},
-        {7, "NaN", "7FC00000"},
-        {8, "1.5", "3FF8000000000000"},
-        {8, "0.1", "3FB999999999999A"},
-        {8, "1e+300", "7E37E43C8800759C"},
+        {5, "-9223372036854775808", "8000000000000000"}, {6, "true", "38"}, {6, "false", "30"},
+        {7, "1.5", "3FC00000"}, {7, "-0.25", "BE800000"}, {7, "0.15625", "3E200000"},
+        {7, "INF", "7F800000"}, {7, "NaN", "7FC00000"}, {8, "1.5", "3FF8000000000000"},
+        {8, "0.1", "3FB999999999999A"}, {8, "1e+300", "7E37E43C8800759C"},
         {8, "-INF", "FFF0000000000000"},
         {9, "0123456789ABCDEFFEDCBA9876543210", "0123456789ABCDEFFEDCBA9876543210"},
     };
@@ -84,12 +67,8 @@ TEST(CFastInfosetBinaryData, EncodingParsesTheLexicalFormLikeTheConversions) {
         {1, nullptr, ""},
         {2, "AQ ID\nBA==", "01020304"},  // blanks and padding are skipped
         {3, " 258\t", "0102"},         // numbers collapse their whitespace
-        {3, "+7", "0007"},
-        {4, "\n-2 ", "FFFFFFFE"},
-        {6, "1", "38"},
-        {6, "TRUE", "38"},
-        {6, " false ", "30"},
-        {7, "-0", "80000000"},
+        {3, "+7", "0007"}, {4, "\n-2 ", "FFFFFFFE"}, {6, "1", "38"}, {6, "TRUE", "38"},
+        {6, " false ", "30"}, {7, "-0", "80000000"},
         {7, "1e39", "7F800000"},  // out of single range: infinity, no error
         {9, "0123456789abcdeffedcba9876543210", "0123456789ABCDEFFEDCBA9876543210"},
         {10, "x<y", "783C79"},
@@ -104,13 +83,9 @@ TEST(CFastInfosetBinaryData, EncodingParsesTheLexicalFormLikeTheConversions) {
 TEST(CFastInfosetBinaryData, DecodingJoinsSeveralValuesWithOneSpace) {
     using Case = TextAndOctets;
     const Case cases[] = {
-        {3, "1 -2", "0001FFFE"},
-        {3, "32767 -32768 0", "7FFF80000000"},
-        {3, "", ""},
-        {4, "1 -2", "00000001FFFFFFFE"},
-        {5, "1 -2", "0000000000000001FFFFFFFFFFFFFFFE"},
-        {7, "1.5 -0.25", "3FC00000BE800000"},
-        {7, "NaN INF -0", "7FC000007F80000080000000"},
+        {3, "1 -2", "0001FFFE"}, {3, "32767 -32768 0", "7FFF80000000"}, {3, "", ""},
+        {4, "1 -2", "00000001FFFFFFFE"}, {5, "1 -2", "0000000000000001FFFFFFFFFFFFFFFE"},
+        {7, "1.5 -0.25", "3FC00000BE800000"}, {7, "NaN INF -0", "7FC000007F80000080000000"},
         {8, "1.5 0.1", "3FF80000000000003FB999999999999A"},
         {9, "0123456789ABCDEFFEDCBA9876543210 FFEEDDCCBBAA99887766554433221100",
          "0123456789ABCDEFFEDCBA9876543210FFEEDDCCBBAA99887766554433221100"},
@@ -129,12 +104,8 @@ TEST(CFastInfosetBinaryData, BooleansAreBitsAfterTheUnusedBitCount) {
         const char* text;
     };
     const Case cases[] = {
-        {"38", "true"},
-        {"30", "false"},
-        {"1A", "true false true"},
-        {"00", "false false false false"},
-        {"0F", "true true true true"},
-        {"2C", "true true"},
+        {"38", "true"}, {"30", "false"}, {"1A", "true false true"},
+        {"00", "false false false false"}, {"0F", "true true true true"}, {"2C", "true true"},
         {"4AA0", "true false true false true false true false"},
         {"7F80", "true true true true true"},
         {"0581", "false true false true true false false false false false false true"},
@@ -163,10 +134,8 @@ TEST(CFastInfosetBinaryData, DecodingRejectsPartialValuesAndUnknownAlgorithms) {
         {8, "3FF80000", "Invalid value for DOUBLE byte encoding."},
         {9, "0123456789ABCDEFFEDCBA98765432", "Invalid value for UUID byte encoding."},
         {9, "0123456789ABCDEFFEDCBA987654321000", "Invalid value for UUID byte encoding."},
-        {0, "01", "Unknown byte encoding."},
-        {10, "783C79", "Unknown byte encoding."},
-        {11, "01", "Unknown byte encoding."},
-        {256, "", "Unknown byte encoding."},
+        {0, "01", "Unknown byte encoding."}, {10, "783C79", "Unknown byte encoding."},
+        {11, "01", "Unknown byte encoding."}, {256, "", "Unknown byte encoding."},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(Trace(row.algorithm, row.octets));

@@ -5,6 +5,7 @@
 
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
+#include "WriterScript.h"
 
 using namespace KxXmlLib16;
 
@@ -197,30 +198,13 @@ TEST(CFastInfosetReader, ReadsWhatTheWriterWrites) {
     const Case cases[] = {
         {"nesting, mixed content and repeated values",
          [](CXmlWriter& w) {
-             w.WriteStartElement("r", "");
-             for (int i = 0; i < 3; ++i) {
-                 w.WriteStartElement("item", "");
-                 w.WriteAttributeString("k", "", "v", ItemType_string);
-                 w.WriteString("t", ItemType_string, false);
-                 w.WriteStartElement("e", "");
-                 w.WriteEndElement();
-                 w.WriteString("after", ItemType_string, false);
-                 w.WriteEndElement();
-             }
-             w.WriteEndElement();
+             KxTest::RunScript(w, "<r <item @k=v =t <e/ =after / <item @k=v =t <e/ =after / "
+                                  "<item @k=v =t <e/ =after / /");
          }},
         {"namespaces, prefixed attributes, nil and type",
          [](CXmlWriter& w) {
-             w.WriteStartElement("r", "urn:a");
-             w.WriteAttributeString("at", "urn:b", "1", ItemType_string);
-             w.WriteStartElement("c", "urn:b");
-             w.WriteAttributeNil();
-             w.WriteEndElement();
-             w.WriteStartElement("d", "");
-             w.WriteAttributeType("T", "urn:a", ItemType_string);
-             w.WriteString("x", ItemType_string, false);
-             w.WriteEndElement();
-             w.WriteEndElement();
+             KxTest::RunScript(w, "<{urn:a}r @{urn:b}at=1 <{urn:b}c xsi:nil / "
+                                  "<d xsi:type={urn:a}T =x / /");
          }},
         {"typed values, long and non-ASCII text",
          [&longText](CXmlWriter& w) {
@@ -228,13 +212,9 @@ TEST(CFastInfosetReader, ReadsWhatTheWriterWrites) {
              w.WriteAttributeString("n", "", "-12", ItemType_i4);
              w.WriteAttributeString("when", "", "2020-01-02", ItemType_date);
              const std::pair<ItemType, const char*> values[] = {
-                 {ItemType_i2, "-2"},
-                 {ItemType_i8, "1234567890123"},
-                 {ItemType_boolean, "true"},
-                 {ItemType_hexBinary, "01ABFF"},
-                 {ItemType_base64Binary, "AQID"},
-                 {ItemType_r8, "1.5"},
-                 {ItemType_decimal, "-1.25"},
+                 {ItemType_i2, "-2"}, {ItemType_i8, "1234567890123"}, {ItemType_boolean, "true"},
+                 {ItemType_hexBinary, "01ABFF"}, {ItemType_base64Binary, "AQID"},
+                 {ItemType_r8, "1.5"}, {ItemType_decimal, "-1.25"},
                  {ItemType_datetime, "2020-01-02T03:04:05Z"},
                  {ItemType_string, "h\xC3\xA9 \xF0\x9F\x98\x80"}};
              for (const auto& value : values) {

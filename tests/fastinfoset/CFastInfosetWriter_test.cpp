@@ -5,46 +5,38 @@
 
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
+#include "WriterScript.h"
 
 using namespace KxXmlLib16;
 
 namespace {
 
-const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+void AddHexOctet(std::string& hex, unsigned char byte) {
+    static const char digits[] = "0123456789ABCDEF";
+    if (!hex.empty()) hex += ' ';
+    hex += digits[byte >> 4];
+    hex += digits[byte & 0x0F];
+}
 
 std::string ToHex(const CBinaryData& data) {
-    static const char digits[] = "0123456789ABCDEF";
     std::string hex;
-    for (unsigned long i = 0; i < data.GetLength(); ++i) {
-        if (!hex.empty()) {
-            hex += ' ';
-        }
-        hex += digits[data.GetData()[i] >> 4];
-        hex += digits[data.GetData()[i] & 0x0F];
-    }
+    for (unsigned long i = 0; i < data.GetLength(); ++i) AddHexOctet(hex, data.GetData()[i]);
     return hex;
 }
 
 // Expected octets written as hex pairs, with 'quoted text' standing for its ASCII octets.
 std::string Octets(const std::string& pattern) {
     std::string hex;
-    auto add = [&hex](unsigned char byte) {
-        static const char digits[] = "0123456789ABCDEF";
-        if (!hex.empty()) {
-            hex += ' ';
-        }
-        hex += digits[byte >> 4];
-        hex += digits[byte & 0x0F];
-    };
     for (std::string::size_type i = 0; i < pattern.size();) {
         if (pattern[i] == '\'') {
             const std::string::size_type end = pattern.find('\'', i + 1);
             for (std::string::size_type j = i + 1; j < end; ++j) {
-                add(static_cast<unsigned char>(pattern[j]));
+                AddHexOctet(hex, static_cast<unsigned char>(pattern[j]));
             }
             i = end + 1;
         } else if (std::isxdigit(static_cast<unsigned char>(pattern[i]))) {
-            add(static_cast<unsigned char>(std::stoi(pattern.substr(i, 2), nullptr, 16)));
+            const int byte = std::stoi(pattern.substr(i, 2), nullptr, 16);
+            AddHexOctet(hex, static_cast<unsigned char>(byte));
             i += 2;
         } else {
             ++i;
@@ -73,87 +65,39 @@ std::string Document(const Calls& calls) {
 
 const char kHeader[] = "E0 00 00 01 00 ";
 
+// The calls of a writer script (see WriterScript.h).
+Calls S(const char* script) {
+    return [script](CFastInfosetWriter& w) { KxTest::RunScript(w, script); };
+}
+
+struct DocumentCase {
+    const char* what;
+    Calls calls;
+    const char* octets;  // after the header
+};
+
+void ExpectDocuments(const std::vector<DocumentCase>& cases) {
+    for (const DocumentCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(Octets(std::string(kHeader) + c.octets), Document(c.calls));
+    }
+}
+
 }  // namespace
 
 TEST(CFastInfosetWriter, StructureAndTerminators) {
-    struct Case {
-        const char* what;
-        Calls calls;
-        const char* octets;  // after the header
-    };
-    const Case cases[] = {
-        {"empty root",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("r", "");
-             w.WriteEndElement();
-         },
-         "3C 00 'r' FF"},
-        {"one child",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
-         "3C 00 'a' 3C 00 'b' FF F0"},
-        {"three levels",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteStartElement("c", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
-         "3C 00 'a' 3C 00 'b' 3C 00 'c' FF FF"},
-        {"text after two ends",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteStartElement("c", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteString("x", ItemType_string, false);
-             w.WriteEndElement();
-         },
+    ExpectDocuments({
+        {"empty root", S("<r/"), "3C 00 'r' FF"},
+        {"one child", S("<a <b/ /"), "3C 00 'a' 3C 00 'b' FF F0"},
+        {"three levels", S("<a <b <c/ / /"), "3C 00 'a' 3C 00 'b' 3C 00 'c' FF FF"},
+        {"text after two ends", S("<a <b <c/ / =x /"),
          "3C 00 'a' 3C 00 'b' 3C 00 'c' FF 90 'x' FF"},
-        {"text after one child end closes the child first",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteEndElement();
-             w.WriteString("x", ItemType_string, false);
-             w.WriteEndElement();
-         },
+        {"text after one child end closes the child first", S("<a <b/ =x /"),
          "3C 00 'a' 3C 00 'b' F0 90 'x' FF"},
-        {"sibling after an end",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteEndElement();
-             w.WriteStartElement("c", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
-         "3C 00 'a' 3C 00 'b' F0 3C 00 'c' FF F0"},
-        {"repeated element name and chunk by index",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             for (int i = 0; i < 2; ++i) {
-                 w.WriteStartElement("b", "");
-                 w.WriteString("hi", ItemType_string, false);
-                 w.WriteEndElement();
-             }
-             w.WriteEndElement();
-         },
+        {"sibling after an end", S("<a <b/ <c/ /"), "3C 00 'a' 3C 00 'b' F0 3C 00 'c' FF F0"},
+        {"repeated element name and chunk by index", S("<a b=hi b=hi /"),
          "3C 00 'a' 3C 00 'b' 91 'hi' F0 01 A0 FF F0"},
-        {"empty text writes nothing",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteString("", ItemType_string, false);
-             w.WriteEndElement();
-         },
-         "3C 00 'a' FF"},
+        {"empty text writes nothing", S("<a = /"), "3C 00 'a' FF"},
         {"comments, instructions and schemas write nothing",
          [](CFastInfosetWriter& w) {
              w.WriteComment("c");
@@ -163,176 +107,55 @@ TEST(CFastInfosetWriter, StructureAndTerminators) {
              w.WriteEndElement();
          },
          "3C 00 'a' FF"},
-        {"one attribute",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "1", ItemType_string);
-             w.WriteEndElement();
-         },
-         "7C 00 'a' 78 00 'x' 40 '1' F0 FF"},
-        {"attribute names and values by index",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "v", ItemType_string);
-             w.WriteAttributeString("y", "", "v", ItemType_string);
-             w.WriteStartElement("b", "");
-             w.WriteAttributeString("x", "", "w", ItemType_string);
-             w.WriteEndElement();
-             w.WriteStartElement("b", "");
-             w.WriteAttributeString("x", "", "v", ItemType_string);
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+        {"one attribute", S("<a @x=1 /"), "7C 00 'a' 78 00 'x' 40 '1' F0 FF"},
+        {"attribute names and values by index", S("<a @x=v @y=v <b @x=w / <b @x=v / /"),
          "7C 00 'a' 78 00 'x' 40 'v' 78 00 'y' 80 F0 7C 00 'b' 00 40 'w' F0 F0 41 00 80 F0 FF F0"},
-        {"empty attribute value",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "", ItemType_string);
-             w.WriteEndElement();
-         },
-         "7C 00 'a' 78 00 'x' FF F0 FF"},
-        {"attribute value below the add limit is indexed",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "abcde", ItemType_string);
-             w.WriteAttributeString("y", "", "abcde", ItemType_string);
-             w.WriteEndElement();
-         },
+        {"empty attribute value", S("<a @x= /"), "7C 00 'a' 78 00 'x' FF F0 FF"},
+        {"attribute value below the add limit is indexed", S("<a @x=abcde @y=abcde /"),
          "7C 00 'a' 78 00 'x' 44 'abcde' 78 00 'y' 80 F0 FF"},
-        {"attribute value at the add limit is literal twice",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "abcdef", ItemType_string);
-             w.WriteAttributeString("y", "", "abcdef", ItemType_string);
-             w.WriteEndElement();
-         },
+        {"attribute value at the add limit is literal twice", S("<a @x=abcdef @y=abcdef /"),
          "7C 00 'a' 78 00 'x' 05 'abcdef' 78 00 'y' 05 'abcdef' F0 FF"},
-        {"chunk lengths and the add limit",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteString("xyz", ItemType_string, false);
-             w.WriteString("abcdef", ItemType_string, false);
-             w.WriteString("abcdef", ItemType_string, false);
-             w.WriteString("xyz", ItemType_string, false);
-             w.WriteEndElement();
-         },
+        {"chunk lengths and the add limit", S("<a =xyz =abcdef =abcdef =xyz /"),
          "3C 00 'a' 92 00 'xyz' 82 03 'abcdef' 82 03 'abcdef' A0 FF"},
-        {"long attribute value takes a length octet",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("x", "", "123456789", ItemType_string);
-             w.WriteEndElement();
-         },
+        {"long attribute value takes a length octet", S("<a @x=123456789 /"),
          "7C 00 'a' 78 00 'x' 08 00 '123456789' F0 FF"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(Octets(std::string(kHeader) + c.octets), Document(c.calls));
-    }
+    });
 }
 
 TEST(CFastInfosetWriter, NamespacesAreDeclaredWhereUsed) {
-    struct Case {
-        const char* what;
-        Calls calls;
-        const char* octets;  // after the header
-    };
-    const Case cases[] = {
-        {"writer default namespace on the root",
-         [](CFastInfosetWriter& w) {
-             w.SetDefaultNamespace("urn:x");
-             w.WriteStartElement("a", "urn:x");
-             w.WriteStartElement("b", "urn:x");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+    ExpectDocuments({
+        {"writer default namespace on the root", S("xmlns=urn:x <{urn:x}a <{urn:x}b/ /"),
          "38 CD 04 'urn:x' F0 3D 81 00 'a' 3D 81 00 'b' FF F0"},
         {"writer prefix on the root, used by a name and an attribute",
-         [](CFastInfosetWriter& w) {
-             w.AddNamespace("p", "urn:x");
-             w.WriteStartElement("a", "urn:x");
-             w.WriteAttributeString("at", "urn:x", "v", ItemType_string);
-             w.WriteStartElement("b", "urn:x");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         S("xmlns:p=urn:x <{urn:x}a @{urn:x}at=v <{urn:x}b/ /"),
          "78 CF 00 'p' 04 'urn:x' F0 3F 81 81 00 'a' 7B 81 81 01 'at' 40 'v' F0 "
          "3F 81 81 00 'b' FF F0"},
         {"no block for the built-in xml binding alone",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeString("lang", CXmlWriter::XML_NAMESPACE, "en", ItemType_string);
-             w.WriteEndElement();
-         },
+         S("<a @{http://www.w3.org/XML/1998/namespace}lang=en /"),
          "7C 00 'a' 7B 80 80 03 'lang' 41 'en' F0 FF"},
-        {"unbound element namespace gets a fresh prefix",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "urn:x");
-             w.WriteEndElement();
-         },
+        {"unbound element namespace gets a fresh prefix", S("<{urn:x}a/"),
          "38 CF 01 'AA' 04 'urn:x' F0 3F 81 81 00 'a' FF"},
-        {"no-namespace child undeclares the default",
-         [](CFastInfosetWriter& w) {
-             w.SetDefaultNamespace("urn:x");
-             w.WriteStartElement("a", "urn:x");
-             w.WriteStartElement("b", "");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+        {"no-namespace child undeclares the default", S("xmlns=urn:x <{urn:x}a <b/ /"),
          "38 CD 04 'urn:x' F0 3D 81 00 'a' 38 CC F0 3C 00 'b' FF F0"},
-        {"no-namespace root does not declare the writer default",
-         [](CFastInfosetWriter& w) {
-             w.SetDefaultNamespace("urn:x");
-             w.WriteStartElement("a", "");
-             w.WriteEndElement();
-         },
+        {"no-namespace root does not declare the writer default", S("xmlns=urn:x <a/"),
          "3C 00 'a' FF"},
-        {"nil declares the instance namespace",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeNil();
-             w.WriteEndElement();
-         },
+        {"nil declares the instance namespace", S("<a xsi:nil /"),
          "78 CF 01 'AA' 28 'http://www.w3.org/2001/XMLSchema-instance' F0 3C 00 'a' "
          "7B 81 81 02 'nil' 43 'true' F0 FF"},
         {"type declares its type namespace and the instance namespace",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteAttributeType("T", "urn:t", ItemType_string);
-             w.WriteEndElement();
-         },
+         S("<a xsi:type={urn:t}T /"),
          "78 CF 01 'AA' 04 'urn:t' CF 01 'AB' 28 'http://www.w3.org/2001/XMLSchema-instance' "
          "F0 3C 00 'a' 7B 82 82 03 'type' 43 'AA:T' F0 FF"},
         {"type in the default namespace has no prefix",
-         [](CFastInfosetWriter& w) {
-             w.SetDefaultNamespace("urn:x");
-             w.AddNamespace("xsi", kXsi);
-             w.WriteStartElement("a", "urn:x");
-             w.WriteAttributeType("T", "urn:x", ItemType_string);
-             w.WriteEndElement();
-         },
+         S("xmlns=urn:x xmlns:xsi=" KX_TEST_XSI " <{urn:x}a xsi:type={urn:x}T /"),
          "78 CD 04 'urn:x' CF 02 'xsi' 28 'http://www.w3.org/2001/XMLSchema-instance' F0 "
          "3D 81 00 'a' 7B 81 82 03 'type' 40 'T' F0 FF"},
-        {"a binding made on one element is reused by its child",
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "urn:x");
-             w.WriteStartElement("b", "urn:x");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+        {"a binding made on one element is reused by its child", S("<{urn:x}a <{urn:x}b/ /"),
          "38 CF 01 'AA' 04 'urn:x' F0 3F 81 81 00 'a' 3F 81 81 00 'b' FF F0"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(Octets(std::string(kHeader) + c.octets), Document(c.calls));
-    }
+    });
 }
 
 TEST(CFastInfosetWriter, HeaderDeclarationAndVocabulary) {
-    const Calls root = [](CFastInfosetWriter& w) {
-        w.WriteStartElement("a", "");
-        w.WriteEndElement();
-    };
     struct Case {
         const char* what;
         FInfoDecl declaration;
@@ -359,7 +182,7 @@ TEST(CFastInfosetWriter, HeaderDeclarationAndVocabulary) {
         context.GetVocabulary().AddElement("", "", "a");
         context.SetUseGeneratedVocabulary(c.generatedVocabulary);
         context.SetExternalVocabularyURI(c.uri);
-        EXPECT_EQ(Octets(c.octets), Document(root, context, c.declaration));
+        EXPECT_EQ(Octets(c.octets), Document(S("<a/"), context, c.declaration));
     }
     EXPECT_EQ(std::string("urn:kxxmllib16:fastinfoset:vocabulary"),
               CFastInfosetWriter::DefaultExternalVocabularyURI);
@@ -446,23 +269,10 @@ TEST(CFastInfosetWriter, FailuresCarryTheirMessages) {
                       0);
     };
     const Case cases[] = {
-        {"attribute after a child", plain,
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteStartElement("b", "");
-             w.WriteEndElement();
-             w.WriteAttributeString("x", "", "1", ItemType_string);
-         },
+        {"attribute after a child", plain, S("<a <b/ @x=1"),
          "Attributes must be added before elements"},
-        {"nil after text", plain,
-         [](CFastInfosetWriter& w) {
-             w.WriteStartElement("a", "");
-             w.WriteString("t", ItemType_string, false);
-             w.WriteAttributeNil();
-         },
-         "Attributes must be added before elements"},
-        {"type outside any element", plain,
-         [](CFastInfosetWriter& w) { w.WriteAttributeType("T", "", ItemType_string); },
+        {"nil after text", plain, S("<a =t xsi:nil"), "Attributes must be added before elements"},
+        {"type outside any element", plain, S("xsi:type=T"),
          "Attributes must be added before elements"},
         {"alphabet 3 in an attribute", alphabet3, attribute("1", ItemType_string),
          "Failed to write FastInfoset. Invalid Restricted Alphabet value [3]"},

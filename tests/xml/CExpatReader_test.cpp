@@ -133,24 +133,6 @@ TEST(CExpatReader, SchemaTypeWithoutNamespacesKeepsNamesWhole) {
     EXPECT_TRUE(doc.GetPrefixMap().empty());
 }
 
-TEST(CExpatReader, ErrorsNameTheLine) {
-    struct Case {
-        const char* xml;
-        const char* message;
-    };
-    const Case cases[] = {
-        {"<a>\n<b>", "no element found at line 2"},
-        {"<a>\n\n\n</b>", "mismatched tag at line 4"},
-        {"<?xml version='1.0'?>\n<a>\n</a>\n<b/>", "junk after document element at line 4"},
-        {"\n\n<a attr=noquotes/>", "not well-formed (invalid token) at line 3"},
-    };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.xml);
-        CXmlDocument doc;
-        KxTest::ExpectKxError<CKxException>([&] { doc.LoadXml(row.xml); }, row.message);
-    }
-}
-
 TEST(CExpatReader, NeverReadsExternalEntities) {
     const std::string secret = std::string(KX_TEST_TMP_DIR) + "/CExpatReader_secret.txt";
     WriteFile(secret, "TOP-SECRET");

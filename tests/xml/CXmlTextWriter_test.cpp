@@ -8,12 +8,12 @@
 
 #include "KxTestSupport.h"
 #include "KxXmlLib16.h"
+#include "WriterScript.h"
 
 using KxXmlLib16::CFileTextStream;
 using KxXmlLib16::CKxException;
 using KxXmlLib16::CTextStream;
 using KxXmlLib16::CXmlTextWriter;
-using KxXmlLib16::CXmlWriter;
 using KxXmlLib16::EOLType;
 using KxXmlLib16::EOLType_CRLF;
 using KxXmlLib16::EOLType_LF;
@@ -25,7 +25,10 @@ namespace {
 
 typedef std::function<void(CXmlTextWriter&)> Calls;
 
-const char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+// The calls of a writer script (see WriterScript.h).
+Calls S(const char* script) {
+    return [script](CXmlTextWriter& w) { KxTest::RunScript(w, script); };
+}
 
 struct Settings {
     bool format = true;
@@ -47,9 +50,10 @@ std::string Render(const Calls& calls, const Settings& settings = Settings()) {
     return stream.GetText();
 }
 
-Settings Unformatted() {
+Settings Unformatted(EOLType eol = EOLType_LF) {
     Settings settings;
     settings.format = false;
+    settings.eol = eol;
     return settings;
 }
 
@@ -58,21 +62,6 @@ void Leaf(CXmlTextWriter& w, const char* name, const std::string& text) {
     w.WriteStartElement(name, "");
     w.WriteString(text, ItemType_string, false);
     w.WriteEndElement();
-}
-
-// An element with neither attributes nor content.
-void Empty(CXmlTextWriter& w, const char* name, const char* ns = "") {
-    w.WriteStartElement(name, ns);
-    w.WriteEndElement();
-}
-
-// Wraps `body` in a start and end tag of element R.
-Calls InR(const Calls& body) {
-    return [body](CXmlTextWriter& w) {
-        w.WriteStartElement("R", "");
-        body(w);
-        w.WriteEndElement();
-    };
 }
 
 // Element E carrying `text` both as attribute a and as its content.
@@ -137,19 +126,27 @@ void WriteOrderDocument(CTextStream& stream, int lines) {
     writer.Close();
 }
 
+// "{namespace}name" of every element of `xml`, in document order, separated by spaces.
+std::string ElementNamesAfterReading(const std::string& xml) {
+    KxXmlLib16::CXmlDocument document;
+    document.LoadXml(xml.c_str());
+    std::string names;
+    std::function<void(const KxXmlLib16::CXmlElement*)> visit =
+        [&](const KxXmlLib16::CXmlElement* element) {
+            if (!names.empty()) names += ' ';
+            names += '{' + element->GetNamespaceURI() + '}' + element->GetLocalName();
+            for (const KxXmlLib16::CXmlElement* child = element->GetFirstElement();
+                 child != nullptr; child = child->GetNextSiblingElement()) {
+                visit(child);
+            }
+        };
+    visit(document.GetDocumentElement());
+    return names;
+}
+
 }  // namespace
 
 TEST(CXmlTextWriter, FormattingFollowsIndentAndLineEndSettings) {
-    const Calls document = [](CXmlTextWriter& w) {
-        w.WriteStartElement("Root", "");
-        w.WriteAttributeString("a", "", "1", ItemType_string);
-        Leaf(w, "Child", "text");
-        w.WriteStartElement("List", "");
-        Leaf(w, "Item", "x");
-        Empty(w, "Empty");
-        w.WriteEndElement();
-        w.WriteEndElement();
-    };
     struct Case {
         bool format;
         EOLType eol;
@@ -181,7 +178,8 @@ TEST(CXmlTextWriter, FormattingFollowsIndentAndLineEndSettings) {
         settings.format = row.format;
         settings.eol = row.eol;
         settings.indent = row.indent;
-        EXPECT_EQ(row.expected, Render(document, settings));
+        EXPECT_EQ(row.expected,
+                  Render(S("<Root @a=1 Child=text <List Item=x <Empty/ / /"), settings));
     }
 }
 
@@ -199,8 +197,7 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
              w.WriteHeaderDirective("<!DOCTYPE Root>");
              w.WritePI("<?app go?>");
              w.WriteComment("a<b&c");
-             w.WriteStartElement("Root", "");
-             Empty(w, "C");
+             KxTest::RunScript(w, "<Root <C/");
              w.WriteInlineSchema("<xs:schema/>");
              w.WriteEndElement();
          },
@@ -208,36 +205,27 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
          "<Root>\n\t<C/>\n \n<xs:schema/>\n</Root>\n",
          "<?xml version=\"1.0\"?>\n<!DOCTYPE Root>\n<?app go?>\n\n<!--a&lt;b&amp;c-->\n"
          "<Root><C/> \n<xs:schema/>\n</Root>"},
-        {"empty text keeps the empty-element tag",
-         InR([](CXmlTextWriter& w) { w.WriteString("", ItemType_string, false); }),
-         "<R/>\n", "<R/>"},
-        {"text then child element",
-         InR([](CXmlTextWriter& w) {
-             w.WriteString("text", ItemType_string, false);
-             Empty(w, "C");
-         }),
-         "<R>text\t<C/>\n</R>\n", "<R>text<C/></R>"},
-        {"siblings do not inherit each other's state",
-         InR([](CXmlTextWriter& w) {
-             w.WriteStartElement("A", "");
-             Leaf(w, "B", "b");
-             w.WriteEndElement();
-             Leaf(w, "C", "c");
-             Empty(w, "D");
-         }),
+        {"empty text keeps the empty-element tag", S("<R = /"), "<R/>\n", "<R/>"},
+        {"text then child element", S("<R =text <C/ /"), "<R>text\t<C/>\n</R>\n",
+         "<R>text<C/></R>"},
+        {"siblings do not inherit each other's state", S("<R <A B=b / C=c <D/ /"),
          "<R>\n\t<A>\n\t\t<B>b</B>\n\t</A>\n\t<C>c</C>\n\t<D/>\n</R>\n",
          "<R><A><B>b</B></A><C>c</C><D/></R>"},
-        {"comment does not close the start tag",
-         InR([](CXmlTextWriter& w) { w.WriteComment("c"); }),
-         "<R<!--c-->\n/>\n", "<R<!--c-->\n/>"},
+        {"comment does not close the start tag", S("<R !c /"), "<R<!--c-->\n/>\n",
+         "<R<!--c-->\n/>"},
         {"raw element is appended as it is",
-         InR([](CXmlTextWriter& w) {
-             Empty(w, "C");
+         [](CXmlTextWriter& w) {
+             KxTest::RunScript(w, "<R <C/");
              w.WriteRawElement("<raw a='&'/>");
-         }),
+             w.WriteEndElement();
+         },
          "<R>\n\t<C/>\n<raw a='&'/>\n</R>\n", "<R><C/><raw a='&'/></R>"},
         {"raw element does not close the start tag",
-         InR([](CXmlTextWriter& w) { w.WriteRawElement(" x=\"1\""); }),
+         [](CXmlTextWriter& w) {
+             w.WriteStartElement("R", "");
+             w.WriteRawElement(" x=\"1\"");
+             w.WriteEndElement();
+         },
          "<R x=\"1\"\n/>\n", "<R x=\"1\"/>"},
         {"free text ends at an embedded NUL",
          [](CXmlTextWriter& w) {
@@ -249,7 +237,11 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
          },
          "<!--c-->\n<R a=\"v\">x</R>\n", "<!--c-->\n<R a=\"v\">x</R>"},
         {"default value skipped",
-         InR([](CXmlTextWriter& w) { w.WriteString("v", ItemType_string, true); }),
+         [](CXmlTextWriter& w) {
+             w.WriteStartElement("R", "");
+             w.WriteString("v", ItemType_string, true);
+             w.WriteEndElement();
+         },
          "<R/>\n", "<R/>"},
         {"default value written when asked for",
          [](CXmlTextWriter& w) {
@@ -260,9 +252,7 @@ TEST(CXmlTextWriter, ContentAndMarkupCallsProduceExactText) {
          },
          "<R>v</R>\n", "<R>v</R>"},
         {"CDATA section is not escaped",
-         [](CXmlTextWriter& w) {
-             Leaf(w, "R", "<![CDATA[a<b & c]]>");
-         },
+         [](CXmlTextWriter& w) { Leaf(w, "R", "<![CDATA[a<b & c]]>"); },
          "<R><![CDATA[a<b & c]]></R>\n", "<R><![CDATA[a<b & c]]></R>"},
         {"CDATA marker later in the text is escaped",
          [](CXmlTextWriter& w) { Leaf(w, "R", " <![CDATA[x]]>"); },
@@ -288,8 +278,7 @@ TEST(CXmlTextWriter, StartDocumentNamesTheEncodingOfTheStream) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.encoding);
-        Settings settings = Unformatted();
-        settings.eol = EOLType_CRLF;
+        Settings settings = Unformatted(EOLType_CRLF);
         settings.encoding = row.encoding;
         EXPECT_EQ(row.expected,
                   Render([](CXmlTextWriter& w) { w.WriteStartDocument(); }, settings));
@@ -299,286 +288,93 @@ TEST(CXmlTextWriter, StartDocumentNamesTheEncodingOfTheStream) {
 TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
     struct Case {
         const char* name;
-        Calls calls;
+        const char* script;
         const char* expected;
+        // What a reader makes of the output, when checked: each element's namespace and name.
+        const char* readBack = nullptr;
+        bool formatted = false;
     };
     const Case cases[] = {
         {"generated prefixes are scoped to their element",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("Root", "urn:a");
-             w.WriteStartElement("Child", "urn:b");
-             Empty(w, "G", "urn:b");
-             w.WriteEndElement();
-             Empty(w, "Sib", "urn:b");
-             Empty(w, "A2", "urn:a");
-             w.WriteEndElement();
-         },
+         "<{urn:a}Root <{urn:b}Child <{urn:b}G/ / <{urn:b}Sib/ <{urn:a}A2/ /",
          "<AA:Root xmlns:AA=\"urn:a\"><AB:Child xmlns:AB=\"urn:b\"><AB:G/></AB:Child>"
          "<AB:Sib xmlns:AB=\"urn:b\"/><AA:A2/></AA:Root>"},
         {"writer bindings are declared on the root in namespace order",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("p", "urn:p");
-             w.AddNamespace("a", "urn:z");
-             w.AddNamespace("xml", CXmlWriter::XML_NAMESPACE);
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("Root", "urn:d");
-             Empty(w, "C", "urn:p");
-             Empty(w, "D", "urn:d");
-             Empty(w, "E");
-             w.WriteEndElement();
-         },
+         "xmlns:p=urn:p xmlns:a=urn:z xmlns:xml=http://www.w3.org/XML/1998/namespace "
+         "xmlns=urn:d <{urn:d}Root <{urn:p}C/ <{urn:d}D/ <E/ /",
          "<Root xmlns=\"urn:d\" xmlns:p=\"urn:p\" xmlns:a=\"urn:z\"><p:C/><D/><E xmlns=\"\"/>"
          "</Root>"},
-        {"root prefix avoids prefixes bound on the writer",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("AA", "urn:p");
-             Empty(w, "R", "urn:a");
-         },
+        {"root prefix avoids prefixes bound on the writer", "xmlns:AA=urn:p <{urn:a}R/",
          "<AB:R xmlns:AB=\"urn:a\" xmlns:AA=\"urn:p\"/>"},
         {"bindings made inside an element are used but not declared",
-         InR([](CXmlTextWriter& w) {
-             w.AddNamespace("q", "urn:q");
-             w.WriteStartElement("C", "urn:q");
-             w.SetDefaultNamespace("urn:x");
-             Empty(w, "D", "urn:x");
-             w.WriteEndElement();
-         }),
-         "<R><q:C><D/></q:C></R>"},
-        {"end tag follows the bindings in force at the end",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("R", "urn:a");
-             w.WriteString("t", ItemType_string, false);
-             w.AddNamespace("n", "urn:a");
-             w.WriteEndElement();
-         },
+         "<R xmlns:q=urn:q <{urn:q}C xmlns=urn:x <{urn:x}D/ / /", "<R><q:C><D/></q:C></R>"},
+        {"end tag follows the bindings in force at the end", "<{urn:a}R =t xmlns:n=urn:a /",
          "<AA:R xmlns:AA=\"urn:a\">t</n:R>"},
         {"xml attributes use the xml prefix",
-         InR([](CXmlTextWriter& w) {
-             w.WriteAttributeString("lang", CXmlWriter::XML_NAMESPACE, "en", ItemType_string);
-         }),
-         "<R xml:lang=\"en\"/>"},
+         "<R @{http://www.w3.org/XML/1998/namespace}lang=en /", "<R xml:lang=\"en\"/>"},
         {"attribute in the default namespace still gets a prefix",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteAttributeString("x", "urn:d", "1", ItemType_string);
-             w.WriteAttributeString("y", "urn:d", "2", ItemType_string);
-             w.WriteStartElement("C", "urn:d");
-             w.WriteAttributeString("z", "urn:d", "3", ItemType_string);
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         "xmlns=urn:d <{urn:d}R @{urn:d}x=1 @{urn:d}y=2 <{urn:d}C @{urn:d}z=3 / /",
          "<R xmlns=\"urn:d\" xmlns:AA=\"urn:d\" AA:x=\"1\" AA:y=\"2\"><C AA:z=\"3\"/></R>"},
-        {"type and instance namespaces declared on the fly",
-         [](CXmlTextWriter& w) {
-             w.WriteStartElement("E", "");
-             w.WriteAttributeType("T", "urn:t", ItemType_string);
-             w.WriteEndElement();
-         },
+        {"type and instance namespaces declared on the fly", "<E xsi:type={urn:t}T /",
          "<E xmlns:AA=\"urn:t\"  xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
          "AB:type=\"AA:T\"/>"},
         {"type with bound namespaces",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("xsi", kXsi);
-             w.AddNamespace("t", "urn:t");
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteAttributeType("T", "urn:t", ItemType_string);
-             w.WriteStartElement("C", "urn:d");
-             w.WriteAttributeType("U", "urn:d", ItemType_string);
-             w.WriteEndElement();
-             w.WriteStartElement("D", "urn:d");
-             w.WriteAttributeType("V", "", ItemType_string);
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         "xmlns:xsi=" KX_TEST_XSI " xmlns:t=urn:t xmlns=urn:d <{urn:d}R xsi:type={urn:t}T "
+         "<{urn:d}C xsi:type={urn:d}U / <{urn:d}D xsi:type=V / /",
          "<R xmlns=\"urn:d\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
          "xmlns:t=\"urn:t\" xsi:type=\"t:T\"><C xsi:type=\"U\"/><D xsi:type=\"V\"/></R>"},
         {"nil with and without a bound instance namespace",
-         InR([](CXmlTextWriter& w) {
-             w.WriteStartElement("A", "");
-             w.WriteAttributeNil();
-             w.WriteEndElement();
-             w.AddNamespace("xsi", kXsi);
-             w.WriteStartElement("B", "");
-             w.WriteAttributeNil();
-             w.WriteEndElement();
-         }),
+         "<R <A xsi:nil / xmlns:xsi=" KX_TEST_XSI " <B xsi:nil / /",
          "<R><A xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>"
          "<B xsi:nil=\"true\"/></R>"},
-    };
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(row.expected, Render(row.calls, Unformatted()));
-    }
-}
-
-// "{namespace}name" of every element of `xml`, in document order, separated by spaces.
-std::string ElementNamesAfterReading(const std::string& xml) {
-    KxXmlLib16::CXmlDocument document;
-    document.LoadXml(xml.c_str());
-    std::string names;
-    std::function<void(const KxXmlLib16::CXmlElement*)> visit =
-        [&](const KxXmlLib16::CXmlElement* element) {
-            if (!names.empty()) names += ' ';
-            names += '{' + element->GetNamespaceURI() + '}' + element->GetLocalName();
-            for (const KxXmlLib16::CXmlElement* child = element->GetFirstElement();
-                 child != nullptr; child = child->GetNextSiblingElement()) {
-                visit(child);
-            }
-        };
-    visit(document.GetDocumentElement());
-    return names;
-}
-
-TEST(CXmlTextWriter, NoNamespaceElementUndeclaresTheDefaultNamespace) {
-    struct Case {
-        const char* name;
-        Calls calls;
-        const char* expected;
-        // What a reader makes of the output: each element's namespace and name.
-        const char* readBack;
-    };
-    const Case cases[] = {
-        {"child in no namespace under a default namespace",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             Empty(w, "E");
-             w.WriteEndElement();
-         },
+        // An element in no namespace under a default namespace undeclares it.
+        {"child in no namespace under a default namespace", "xmlns=urn:d <{urn:d}R <E/ /",
          "<R xmlns=\"urn:d\"><E xmlns=\"\"/></R>", "{urn:d}R {}E"},
         {"descendants in no namespace need no further declaration",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteStartElement("E", "");
-             Leaf(w, "F", "t");
-             w.WriteStartElement("G", "");
-             Empty(w, "H");
-             w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         "xmlns=urn:d <{urn:d}R <E F=t <G <H/ / / /",
          "<R xmlns=\"urn:d\"><E xmlns=\"\"><F>t</F><G><H/></G></E></R>",
          "{urn:d}R {}E {}F {}G {}H"},
         {"the old default namespace inside gets a generated prefix",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteStartElement("E", "");
-             w.WriteStartElement("D", "urn:d");
-             Empty(w, "X");
-             w.WriteEndElement();
-             Empty(w, "D2", "urn:d");
-             w.WriteEndElement();
-             Empty(w, "S", "urn:d");
-             w.WriteEndElement();
-         },
+         "xmlns=urn:d <{urn:d}R <E <{urn:d}D <X/ / <{urn:d}D2/ / <{urn:d}S/ /",
          "<R xmlns=\"urn:d\"><E xmlns=\"\"><AA:D xmlns:AA=\"urn:d\"><X/></AA:D>"
          "<AA:D2 xmlns:AA=\"urn:d\"/></E><S/></R>",
          "{urn:d}R {}E {urn:d}D {}X {urn:d}D2 {urn:d}S"},
         {"the old default namespace inside uses a prefix bound on the writer",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("d", "urn:d");
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteStartElement("E", "");
-             w.WriteStartElement("D", "urn:d");
-             w.WriteString("1", ItemType_string, false);
-             w.WriteEndElement();
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         "xmlns:d=urn:d xmlns=urn:d <{urn:d}R <E {urn:d}D=1 / /",
          "<R xmlns=\"urn:d\" xmlns:d=\"urn:d\"><E xmlns=\"\"><d:D>1</d:D></E></R>",
          "{urn:d}R {}E {urn:d}D"},
         {"each no-namespace sibling declares it again",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             Leaf(w, "A", "1");
-             Leaf(w, "A", "2");
-             Empty(w, "B", "urn:d");
-             w.WriteEndElement();
-         },
+         "xmlns=urn:d <{urn:d}R A=1 A=2 <{urn:d}B/ /",
          "<R xmlns=\"urn:d\"><A xmlns=\"\">1</A><A xmlns=\"\">2</A><B/></R>",
          "{urn:d}R {}A {}A {urn:d}B"},
-        {"inside an element of a prefixed namespace",
-         [](CXmlTextWriter& w) {
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteStartElement("O", "urn:o");
-             Empty(w, "E");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+        {"inside an element of a prefixed namespace", "xmlns=urn:d <{urn:d}R <{urn:o}O <E/ / /",
          "<R xmlns=\"urn:d\"><AA:O xmlns:AA=\"urn:o\"><E xmlns=\"\"/></AA:O></R>",
          "{urn:d}R {urn:o}O {}E"},
         {"attributes, nil and type follow the declaration",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("xsi", kXsi);
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "urn:d");
-             w.WriteStartElement("E", "");
-             w.WriteAttributeString("a", "", "1", ItemType_string);
-             w.WriteAttributeNil();
-             w.WriteEndElement();
-             w.WriteStartElement("F", "");
-             w.WriteAttributeType("T", "urn:d", ItemType_string);
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+         "xmlns:xsi=" KX_TEST_XSI " xmlns=urn:d <{urn:d}R <E @a=1 xsi:nil / "
+         "<F xsi:type={urn:d}T / /",
          "<R xmlns=\"urn:d\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">"
          "<E xmlns=\"\" a=\"1\" xsi:nil=\"true\"/>"
          "<F xmlns=\"\" xmlns:AA=\"urn:d\"  xsi:type=\"AA:T\"/></R>",
          "{urn:d}R {}E {}F"},
         {"root in no namespace leaves the writer's default undeclared",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("p", "urn:p");
-             w.SetDefaultNamespace("urn:d");
-             w.WriteStartElement("R", "");
-             Empty(w, "E");
-             Empty(w, "D", "urn:d");
-             Empty(w, "P", "urn:p");
-             w.WriteEndElement();
-         },
+         "xmlns:p=urn:p xmlns=urn:d <R <E/ <{urn:d}D/ <{urn:p}P/ /",
          "<R xmlns:p=\"urn:p\"><E/><AA:D xmlns:AA=\"urn:d\"/><p:P/></R>",
          "{}R {}E {urn:d}D {urn:p}P"},
-        {"without a default namespace nothing is declared",
-         [](CXmlTextWriter& w) {
-             w.AddNamespace("p", "urn:p");
-             w.WriteStartElement("R", "urn:p");
-             w.WriteStartElement("E", "");
-             Empty(w, "F");
-             w.WriteEndElement();
-             w.WriteEndElement();
-         },
+        {"without a default namespace nothing is declared", "xmlns:p=urn:p <{urn:p}R <E <F/ / /",
          "<p:R xmlns:p=\"urn:p\"><E><F/></E></p:R>", "{urn:p}R {}E {}F"},
+        {"formatted", "xmlns=urn:d <{urn:d}R <E F=x G=y / /",
+         "<R xmlns=\"urn:d\">\n\t<E xmlns=\"\">\n\t\t<F>x</F>\n\t\t<G>y</G>\n\t</E>\n</R>\n",
+         "{urn:d}R {}E {}F {}G", true},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        const std::string xml = Render(row.calls, Unformatted());
+        const std::string xml = Render(S(row.script), row.formatted ? Settings() : Unformatted());
         EXPECT_EQ(row.expected, xml);
-        EXPECT_EQ(row.readBack, ElementNamesAfterReading(xml));
+        if (row.readBack != nullptr) {
+            EXPECT_EQ(row.readBack, ElementNamesAfterReading(xml));
+        }
     }
-}
-
-TEST(CXmlTextWriter, FormattedNoNamespaceElementsReadBackOutsideTheDefault) {
-    const std::string xml = Render([](CXmlTextWriter& w) {
-        w.WriteStartDocument();
-        w.SetDefaultNamespace("urn:d");
-        w.WriteStartElement("R", "urn:d");
-        w.WriteStartElement("E", "");
-        Leaf(w, "F", "x");
-        Leaf(w, "G", "y");
-        w.WriteEndElement();
-        w.WriteEndElement();
-    });
-    EXPECT_EQ(
-        "<?xml version=\"1.0\"?>\n<R xmlns=\"urn:d\">\n\t<E xmlns=\"\">\n\t\t<F>x</F>\n"
-        "\t\t<G>y</G>\n\t</E>\n</R>\n",
-        xml);
-    EXPECT_EQ("{urn:d}R {}E {}F {}G", ElementNamesAfterReading(xml));
 }
 
 TEST(CXmlTextWriter, EscapesSpecialCharactersInTextAndAttributes) {
@@ -607,9 +403,7 @@ TEST(CXmlTextWriter, EscapesSpecialCharactersInTextAndAttributes) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.in);
-        Settings settings = Unformatted();
-        settings.eol = row.eol;
-        const std::string out = RenderAttributeAndText(row.in, settings);
+        const std::string out = RenderAttributeAndText(row.in, Unformatted(row.eol));
         EXPECT_EQ(std::string("<E a=\"") + row.attribute + "\">" + row.text + "</E>", out);
     }
 }
@@ -640,9 +434,7 @@ TEST(CXmlTextWriter, EscapingLongTextMatchesCharacterByCharacterRules) {
             c = alphabet[random() % alphabet.size()];
         }
         SCOPED_TRACE(::testing::Message() << "round " << round << ", length " << in.size());
-        Settings settings = Unformatted();
-        settings.eol = EOLType_CRLF;
-        const std::string out = RenderAttributeAndText(in, settings);
+        const std::string out = RenderAttributeAndText(in, Unformatted(EOLType_CRLF));
         EXPECT_EQ("<E a=\"" + escape(in, true) + "\">" + escape(in, false) + "</E>", out);
     }
 }
@@ -670,46 +462,29 @@ TEST(CXmlTextWriter, SettingsHaveDefaultsAndRejectUnknownLineEnds) {
 TEST(CXmlTextWriter, MisuseIsReportedWithExactMessages) {
     const char* const attributes = "Attributes must be added before elements";
     const char* const headers = "Headed directives must appear before an Element has been added.";
+    const Calls header = [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!DOCTYPE R>"); };
     struct Case {
         const char* name;
-        Calls setup;
+        const char* setup;
         Calls misuse;
         const char* message;
     };
-    const auto openWithText = [](CXmlTextWriter& w) {
-        w.WriteStartElement("R", "");
-        w.WriteString("t", ItemType_string, false);
-    };
-    const auto openWithChild = [](CXmlTextWriter& w) {
-        w.WriteStartElement("R", "");
-        Empty(w, "C");
-    };
-    const auto nothing = [](CXmlTextWriter&) {};
-    const auto attribute = [](CXmlTextWriter& w) {
-        w.WriteAttributeString("a", "", "1", ItemType_string);
-    };
-    const auto header = [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!DOCTYPE R>"); };
     const Case cases[] = {
-        {"attribute after text", openWithText, attribute, attributes},
-        {"attribute after child", openWithChild, attribute, attributes},
-        {"attribute outside any element", nothing, attribute, attributes},
-        {"type after text", openWithText,
-         [](CXmlTextWriter& w) { w.WriteAttributeType("T", "urn:t", ItemType_string); },
-         attributes},
-        {"nil after child", openWithChild, [](CXmlTextWriter& w) { w.WriteAttributeNil(); },
-         attributes},
-        {"header inside the root", [](CXmlTextWriter& w) { w.WriteStartElement("R", ""); },
-         header, headers},
-        {"header after the root", [](CXmlTextWriter& w) { Empty(w, "R"); }, header, headers},
-        {"end without an element", nothing, [](CXmlTextWriter& w) { w.WriteEndElement(); },
-         "There is no open Element to end."},
+        {"attribute after text", "<R =t", S("@a=1"), attributes},
+        {"attribute after child", "<R <C/", S("@a=1"), attributes},
+        {"attribute outside any element", "", S("@a=1"), attributes},
+        {"type after text", "<R =t", S("xsi:type={urn:t}T"), attributes},
+        {"nil after child", "<R <C/", S("xsi:nil"), attributes},
+        {"header inside the root", "<R", header, headers},
+        {"header after the root", "<R/", header, headers},
+        {"end without an element", "", S("/"), "There is no open Element to end."},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
         CTextStream stream;
         CXmlTextWriter writer(stream);
         writer.SetFormat(false);
-        row.setup(writer);
+        KxTest::RunScript(writer, row.setup);
         const std::string before = stream.GetText();
         ExpectKxError<CKxException>([&] { row.misuse(writer); }, row.message);
         EXPECT_EQ(before, stream.GetText());  // nothing half-written
@@ -740,9 +515,7 @@ TEST(CXmlTextWriter, FlushesWhenAnOperationLeaves4096Characters) {
     };
     // "<R" then ">" and the text; the end tag adds "</R>".
     const Case cases[] = {
-        {4092, {}, {4099}},
-        {4093, {4096}, {4096}},
-        {5000, {5003}, {5003}},
+        {4092, {}, {4099}}, {4093, {4096}, {4096}}, {5000, {5003}, {5003}},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.textLength);
@@ -761,34 +534,27 @@ TEST(CXmlTextWriter, FlushesWhenAnOperationLeaves4096Characters) {
 TEST(CXmlTextWriter, EveryWritingOperationChecksTheFlushThreshold) {
     struct Case {
         const char* name;
-        Calls setup;
+        const char* setup;
         Calls operation;
         size_t flushes;
     };
-    const auto root = [](CXmlTextWriter& w) { w.WriteStartElement("R", ""); };
-    const auto nothing = [](CXmlTextWriter&) {};
     const Case cases[] = {
-        {"start document", nothing, [](CXmlTextWriter& w) { w.WriteStartDocument(); }, 1},
-        {"header", nothing, [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!X>"); }, 1},
-        {"PI", nothing, [](CXmlTextWriter& w) { w.WritePI("<?p?>"); }, 1},
-        {"comment", nothing, [](CXmlTextWriter& w) { w.WriteComment("c"); }, 1},
-        {"inline schema", root, [](CXmlTextWriter& w) { w.WriteInlineSchema("<s/>"); }, 1},
-        {"start element", nothing, [](CXmlTextWriter& w) { w.WriteStartElement("R", ""); }, 1},
-        {"attribute", root,
-         [](CXmlTextWriter& w) { w.WriteAttributeString("a", "", "1", ItemType_string); }, 1},
-        {"type", root,
-         [](CXmlTextWriter& w) { w.WriteAttributeType("T", "", ItemType_string); }, 1},
-        {"nil", root, [](CXmlTextWriter& w) { w.WriteAttributeNil(); }, 1},
-        {"text", root, [](CXmlTextWriter& w) { w.WriteString("t", ItemType_string, false); }, 1},
-        {"end element", root, [](CXmlTextWriter& w) { w.WriteEndElement(); }, 1},
-        {"raw element", root, [](CXmlTextWriter& w) { w.WriteRawElement("<raw/>"); }, 0},
+        {"start document", "", [](CXmlTextWriter& w) { w.WriteStartDocument(); }, 1},
+        {"header", "", [](CXmlTextWriter& w) { w.WriteHeaderDirective("<!X>"); }, 1},
+        {"PI", "", [](CXmlTextWriter& w) { w.WritePI("<?p?>"); }, 1},
+        {"comment", "", S("!c"), 1},
+        {"inline schema", "<R", [](CXmlTextWriter& w) { w.WriteInlineSchema("<s/>"); }, 1},
+        {"start element", "", S("<R"), 1}, {"attribute", "<R", S("@a=1"), 1},
+        {"type", "<R", S("xsi:type=T"), 1}, {"nil", "<R", S("xsi:nil"), 1},
+        {"text", "<R", S("=t"), 1}, {"end element", "<R", S("/"), 1},
+        {"raw element", "<R", [](CXmlTextWriter& w) { w.WriteRawElement("<raw/>"); }, 0},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
         CountingStream stream;
         CXmlTextWriter writer(stream);
         writer.SetFormat(false);
-        row.setup(writer);
+        KxTest::RunScript(writer, row.setup);
         // Fill up to one character short of the threshold without a flush check.
         writer.WriteRawElement(std::string(4095 - stream.GetLength(), 'x'));
         ASSERT_TRUE(stream.lengths.empty());
