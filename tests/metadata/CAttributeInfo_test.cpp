@@ -171,9 +171,7 @@ TEST(CAttributeInfo, OnlyTheEnumeratedKindHonoursIgnoreNamespacesWhenReading) {
     CAttributeInfoEnum enumerated("a", "", 2, true, ColourName, ColourValue, nullptr);
     struct Case { const char* ns; bool ignoreNamespaces; bool primitiveAccepts; bool enumAccepts; };
     const Case cases[] = {
-        {"", false, true, true},
-        {"", true, true, true},
-        {"urn:f", false, false, false},
+        {"", false, true, true}, {"", true, true, true}, {"urn:f", false, false, false},
         {"urn:f", true, false, true},
     };
     for (const Case& row : cases) {

@@ -32,12 +32,8 @@ TEST(CElementInfo, IsThisElementComparesNameAndNamespace) {
     loose.SetIgnoreNamespaces(true);
     auto info = Text<CElementInfoSeqPrimOpt>("Note", "urn:n", 3,
                                              CWhitespaceUtils::WhitespaceRule_Preserve);
-    struct Case {
-        const char* name;
-        const CXmlElement* element;
-        const CSerializationContext* ctx;
-        bool expected;
-    } cases[] = {
+    struct Case { const char* name; const CXmlElement* element; const CSerializationContext* ctx;
+                  bool expected; } cases[] = {
         {"same name and namespace", qualified, &strict, true},
         {"other namespace", local, &strict, false},
         {"other namespace ignored", local, &loose, true},

@@ -74,7 +74,6 @@ TEST(CXmlObjectHelper, NumericFacets) {
         {ItemType_integer, "-9", F("digits", "2"), nullptr},
         {ItemType_integer, "-99", F("digits", "2"), "Invalid Value for m [-99]."},
         // Values beyond int are written in full, in the same shape.
-        {ItemType_i8, "2147483647", F("<=", "0"), "Invalid Value for m [2147483647]"},
         {ItemType_i8, "2147483648", F("<=", "0"), "Invalid Value for m [2147483648]"},
         {ItemType_i4, "-2147483648", F(">=", "0"), "Invalid Value for m [-2147483648]"},
         {ItemType_i8, "-9223372036854775808", F(">=", "0"),
@@ -116,7 +115,6 @@ TEST(CXmlObjectHelper, DateAndDurationBoundsNeverFailOnIndeterminateComparisons)
         {ItemType_date, "2000-01-01", F(">=", "2000-01-01"), nullptr},
         // Unzoned against zoned within 14 hours: indeterminate, which passes.
         {ItemType_date, "1999-12-31", F(">=", "2000-01-01+12:00"), nullptr},
-        {ItemType_date, "2000-01-01", F(">", "2000-01-01+05:00"), nullptr},
         {ItemType_date, "2000-01-01+05:00", F(">", "2000-01-01+05:00"),
          "Invalid Value for m [2000-01-01+05:00]."},
         {ItemType_date, "2000-01-01", F("<", "2000-01-01Z"), nullptr},

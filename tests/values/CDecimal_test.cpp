@@ -33,20 +33,12 @@ __int128 Pow10(unsigned n) {
 }  // namespace
 
 TEST(CDecimal, ParsesEveryLexicalFormAndWritesTheCanonicalText) {
-    struct Case {
-        const char* in;
-        const char* out;
-        int integerDigits;
-        int fractionDigits;
-        unsigned divider;
-    };
+    struct Case { const char* in; const char* out; int integerDigits; int fractionDigits;
+                  unsigned divider; };
     const Case cases[] = {
-        {"0", "0", 0, 0, 0}, {"-0", "0", 0, 0, 0}, {"+0", "0", 0, 0, 0}, {"-0.0", "0", 0, 0, 1},
-        {"0.000", "0", 0, 0, 3}, {"1.50", "1.5", 1, 1, 2}, {"+1.5", "1.5", 1, 1, 1},
-        {".5", "0.5", 0, 1, 1}, {"-.5", "-0.5", 0, 1, 1}, {"5.", "5", 1, 0, 0},
-        {"007", "7", 1, 0, 0}, {"-007.0100", "-7.01", 1, 2, 4}, {"123.456", "123.456", 3, 3, 3},
-        {"100", "100", 3, 0, 0}, {"100.00", "100", 3, 0, 2}, {"0.0001", "0.0001", 0, 4, 4},
-        {"-0.0001", "-0.0001", 0, 4, 4},
+        {"0", "0", 0, 0, 0}, {"-0.0", "0", 0, 0, 1}, {"0.000", "0", 0, 0, 3}, {"5.", "5", 1, 0, 0},
+        {"+1.5", "1.5", 1, 1, 1}, {"-.5", "-0.5", 0, 1, 1}, {"-007.0100", "-7.01", 1, 2, 4},
+        {"100.00", "100", 3, 0, 2}, {"-0.0001", "-0.0001", 0, 4, 4},
         {"12345678901234567890.12345678901234567890", "12345678901234567890.1234567890123456789", 20,
          19, 20},
     };
@@ -64,25 +56,22 @@ TEST(CDecimal, ParsesEveryLexicalFormAndWritesTheCanonicalText) {
     }
 }
 
-TEST(CDecimal, RejectsAnythingButTheLexicalForm) {
-    const char* texts[] = {"",     "+",     "-",    ".",      "+.",   "-.",  "1e5",  "1E5",
-                           " 1",   "1 ",    "1 2",  "+-1",    "--1",  "1.2.3", "0x10", "1,5",
-                           "inf",  "NaN",   "1.-2", "1.+2",   "1-",   "١",   "\t1",  "1.5\n"};
+TEST(CDecimal, RejectsAnythingButTheLexicalFormAndKeepsTheValue) {
+    // Empty or sign/point only, exponent, spaces, doubled sign or point, other digits and
+    // separators, words, a sign after the point or at the end, a non-ASCII digit.
+    const char* texts[] = {"", "-", "+.", "1e5", " 1", "1 2", "+-1", "1.2.3", "0x10", "1,5",
+                           "NaN", "1.-2", "1-", "١", "1.5\n"};
     for (const char* text : texts) {
         SCOPED_TRACE(text);
+        CDecimal value("2.5");
         ExpectKxError<CKxInvalidValueException>(
-            [&] { CDecimal value(text); },
+            [&] { value.Parse(text); },
             std::string("The value [") + text + "] is not a valid decimal");
+        EXPECT_EQ("2.5", value.ToString());  // a failed parse keeps the value
     }
     ExpectKxError<CKxInvalidValueException>([] { CDecimal value(static_cast<const char*>(nullptr)); },
                                             "The value [] is not a valid decimal");
-}
-
-TEST(CDecimal, FailedParseLeavesTheValueUnchanged) {
     CDecimal value("2.5");
-    ExpectKxError<CKxInvalidValueException>([&] { value.Parse("2,5"); },
-                                            "The value [2,5] is not a valid decimal");
-    EXPECT_EQ("2.5", value.ToString());
     value.Parse("-.25");
     EXPECT_EQ("-0.25", value.ToString());
 }
@@ -90,14 +79,10 @@ TEST(CDecimal, FailedParseLeavesTheValueUnchanged) {
 TEST(CDecimal, FormatsAGivenNumberOfFractionDigitsRoundingHalfAwayFromZero) {
     struct Case { const char* in; int digits; const char* out; };
     const Case cases[] = {
-        {"2.345", 2, "2.35"},     {"-2.345", 2, "-2.35"},   {"2.344", 2, "2.34"},
-        {"2.3449", 2, "2.34"},    {"9.995", 2, "10.00"},    {"-9.995", 2, "-10.00"},
-        {"99.96", 1, "100.0"},    {"0.5", 0, "1"},          {"-0.5", 0, "-1"},
-        {"0.4", 0, "0"},          {"-0.4", 0, "0"},         {"-0.004", 2, "0.00"},
-        {"0.05", 1, "0.1"},       {"0.049", 1, "0.0"},      {"1.5", 4, "1.5000"},
-        {"7", 2, "7.00"},         {"-7", 0, "-7"},          {"-7", -3, "-7"},
-        {"2.5", -1, "3"},         {"0", 3, "0.000"},        {"-0.0", 1, "0.0"},
-        {"1.50", 1, "1.5"},       {"0.0001", 2, "0.00"},    {"123.456", 0, "123"},
+        {"-2.345", 2, "-2.35"},  {"2.3449", 2, "2.34"},  {"-9.995", 2, "-10.00"},
+        {"0.5", 0, "1"},         {"-0.4", 0, "0"},      {"-0.004", 2, "0.00"},
+        {"0.049", 1, "0.0"},     {"1.5", 4, "1.5000"},  {"7", 2, "7.00"},
+        {"-7", -3, "-7"},        {"2.5", -1, "3"},      {"-0.0", 1, "0.0"},
         {"999.9999", 3, "1000.000"},
     };
     for (const Case& row : cases) {
@@ -109,10 +94,8 @@ TEST(CDecimal, FormatsAGivenNumberOfFractionDigitsRoundingHalfAwayFromZero) {
 TEST(CDecimal, ChangingTheDividerPadsOrTruncatesTowardZero) {
     struct Case { const char* in; unsigned divider; const char* out; int fractionDigits; };
     const Case cases[] = {
-        {"-1.29", 1, "-1.2", 1}, {"1.99", 0, "1", 0},     {"-1.99", 0, "-1", 0},
-        {"-0.9", 0, "0", 0},     {"0.001", 2, "0", 0},    {"123.456", 0, "123", 0},
-        {"1.5", 3, "1.5", 1},    {"7", 4, "7", 0},        {"0", 5, "0", 0},
-        {"12.3456", 2, "12.34", 2},
+        {"-1.29", 1, "-1.2", 1}, {"-1.99", 0, "-1", 0}, {"-0.9", 0, "0", 0},
+        {"0.001", 2, "0", 0},    {"1.5", 3, "1.5", 1},  {"0", 5, "0", 0},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(std::string(row.in) + " to " + std::to_string(row.divider));
@@ -137,10 +120,8 @@ TEST(CDecimal, ComparesByValue) {
         int expected;  // sign of a - b
     };
     const Case cases[] = {
-        {"1.50", "1.5", 0},      {"-0", "0", 0},         {"0.0", "-0.00", 0},
-        {"-1", "1", -1},         {"0.1", "0.09", 1},     {"-0.1", "-0.09", -1},
-        {"100", "99.999", 1},    {"0.001", "0", 1},      {"-0.001", "0", -1},
-        {"10", "10.000", 0},     {"10", "10.001", -1},   {"123.45", "123.5", -1},
+        {"1.50", "1.5", 0},   {"0.0", "-0.00", 0},   {"-0.1", "-0.09", -1},
+        {"0.001", "0", 1},    {"10", "10.001", -1},  {"123.45", "123.5", -1},
         {"99999999999999999999.9", "100000000000000000000", -1},
     };
     for (const Case& row : cases) {
@@ -153,17 +134,14 @@ TEST(CDecimal, ComparesByValue) {
     }
 }
 
+// Results that cancel to zero, the compound operators and the division precision rules; the
+// random comparison below covers ordinary sums, differences and products.
 TEST(CDecimal, ArithmeticOnTexts) {
     struct Case { const char* a; char op; const char* b; const char* out; };
     const Case cases[] = {
-        {"1.5", '+', "2.25", "3.75"},   {"0.1", '+', "0.2", "0.3"},
-        {"-1.5", '+', "1.5", "0"},      {"1", '-', "0.001", "0.999"},
-        {"-1", '-', "-1", "0"},         {"0.5", '-', "2", "-1.5"},
-        {"1.5", '*', "-1.5", "-2.25"},  {"0.1", '*', "0.1", "0.01"},
-        {"-0", '*', "5", "0"},          {"10", '/', "4", "2.5"},
-        {"1", '/', "8", "0.125"},       {"-7.5", '/', "2.5", "-3"},
+        {"-1.5", '+', "1.5", "0"},      {"-1", '-', "-1", "0"},
+        {"-0", '*', "5", "0"},          {"-7.5", '/', "2.5", "-3"},
         {"1", '/', "3", "0.3333333333333333333333333333"},
-        {"2", '/', "3", "0.6666666666666666666666666666"},
         {"-2", '/', "3", "-0.6666666666666666666666666666"}, {"1", '/', "-0.001", "-1000"},
         // The dividend's or divisor's own divider (trailing zeros included) raises the
         // precision beyond 28 fraction digits; below the last kept digit the quotient is 0.
@@ -304,8 +282,7 @@ TEST(CDecimal, ConvertsFromDoubleThroughTheShortestText) {
     struct Case { double in; const char* out; };
     const Case cases[] = {
         {0.1, "0.1"},  {-2.5, "-2.5"}, {1e21, "1000000000000000000000"},
-        {0.0, "0"},    {-0.0, "0"},    {1e-7, "0.0000001"},
-        {123.456, "123.456"},
+        {0.0, "0"},    {-0.0, "0"},    {1e-7, "0.0000001"}, {123.456, "123.456"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.out);
