@@ -25,6 +25,25 @@ using namespace KxXmlLib16Data;
 
 namespace {
 bool SameNoCase(const std::string& a, const char* b) { return strcasecmp(a.c_str(), b) == 0; }
+
+// Items are appended to a collection as they are read, so a document read into an object that
+// was read before (or whose last read failed midway) would add to the earlier items: the
+// object's collections are emptied first, and the document's items replace them.
+void EmptyCollections(CXmlGeneratedClass& object) {
+    for (CElementInfo** info = object.GetClassElementInfo(); info && *info; ++info) {
+        CElementInfo* record = *info;
+        if (!record->IsCollection()) continue;
+        KxVariant value;
+        object.InvokeProperty(record->GetMemberId(), true, value);
+        if (!value.IsValid() || value.IsNil()) continue;
+        // The getter raised the count for this caller: the smart pointer takes that reference.
+        CXmlCollectionBase* raw = value.GetXmlCollection();
+        if (raw == nullptr) continue;
+        const CSmartPtr<CXmlCollectionBase> collection(raw);
+        raw->Release();
+        if (collection->GetCount() > 0) collection->Clear();
+    }
+}
 }  // namespace
 
 CXmlGeneratedClass::CXmlGeneratedClass() = default;
@@ -192,6 +211,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* element, CXmlElement* 
                                              const CSerializationContext& ctx, bool isNested) {
     try {
         OnPreRead();
+        EmptyCollections(*this);
         const CParentElementInfo* info = GetClassInfo();
         if (info->GetElementType() == XmlElementType_Element)
             SetElementName(element->GetLocalName().c_str());

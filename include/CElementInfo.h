@@ -4,6 +4,7 @@
 #ifndef KX_CELEMENTINFO_H
 #define KX_CELEMENTINFO_H
 
+#include <atomic>
 #include <string>
 
 #include "CParentElementInfo.h"
@@ -98,6 +99,8 @@ public:
     bool IsPrimitive() const { return m_primitive; }
     EnumToString GetEnumToString() const { return m_enumToString; }
     StringToEnum GetStringToEnum() const { return m_stringToEnum; }
+    // True for the records of repeated members (the ...Col kinds), whose value is a collection.
+    bool IsCollection() const;
 
 protected:
     // Collections and untyped members.
@@ -160,6 +163,9 @@ private:
     EnumToString m_enumToString;
     StringToEnum m_stringToEnum;
     bool m_primitive;
+    // IsCollection's answer, found on first use (records are shared by every thread): -1 not
+    // known yet, 0 no, 1 yes.
+    mutable std::atomic<signed char> m_isCollection{-1};
 };
 
 // ---- collection bases: (name, namespace, member id) -------------------------------------------

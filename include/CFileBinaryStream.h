@@ -23,7 +23,8 @@ public:
     // XmlEncoding_UTF16Undeclared, then the bytes. Throws CKxException
     // "Failed to write data to the file [%s]." with the path when the file cannot be opened,
     // when nothing could be written (an empty buffer included), or when the bytes do not all
-    // reach the file; the file is closed first.
+    // reach the file; the file is closed first and, when it is a regular file, removed, so that
+    // no truncated document is left behind.
     void ToFile();
 
     const std::string& GetPath() const;

@@ -1,11 +1,29 @@
 #include "CFileBinaryStream.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 
 #include "CKxException.h"
 #include "FormatString.h"
 
 namespace KxXmlLib16 {
+
+namespace {
+
+// Removes a file whose bytes did not all reach it, so that a failed write leaves no truncated
+// document behind. Only a regular file is removed, never a device such as /dev/full that was
+// named as the path.
+void Discard(bool regular, const std::string& path) {
+    if (regular) std::remove(path.c_str());
+}
+
+bool IsRegularFile(std::FILE* file) {
+    struct stat status;
+    return fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
 
 CFileBinaryStream::CFileBinaryStream(const char* path, XmlEncoding encoding)
     : CBinaryStream("CFileBinaryStream"),
@@ -31,22 +49,21 @@ void CFileBinaryStream::ToFile() {
     if (file == nullptr) {
         throw CKxException(message);
     }
+    const bool regular = IsRegularFile(file);
     if (m_encoding == XmlEncoding_UTF16 || m_encoding == XmlEncoding_UTF16Undeclared) {
         static const unsigned char mark[2] = {0xFF, 0xFE};
         if (std::fwrite(mark, 1, sizeof mark, file) == 0) {
             std::fclose(file);
+            Discard(regular, m_path);
             throw CKxException(message);
         }
     }
     const unsigned long length = m_data.GetLength();
     const size_t written = length != 0 ? std::fwrite(m_data.GetData(), 1, length, file) : 0;
-    if (written == 0) {
-        std::fclose(file);
-        throw CKxException(message);
-    }
     // A short write, or buffered bytes that cannot be flushed (a full disk), fail as well.
-    const bool failed = written != length || std::ferror(file) != 0;
+    const bool failed = written == 0 || written != length || std::ferror(file) != 0;
     if (std::fclose(file) != 0 || failed) {
+        Discard(regular, m_path);
         throw CKxException(message);
     }
 }

@@ -264,6 +264,19 @@ bool CElementInfo::ElementFromXmlMandatory(const CSerializationContext& ctx,
     }
 }
 
+bool CElementInfo::IsCollection() const {
+    signed char known = m_isCollection.load(std::memory_order_relaxed);
+    if (known < 0) {
+        known = dynamic_cast<const CElementInfoSeqCol*>(this) != nullptr ||
+                        dynamic_cast<const CElementInfoChoiceCol*>(this) != nullptr ||
+                        dynamic_cast<const CElementInfoAllCol*>(this) != nullptr
+                    ? 1
+                    : 0;
+        m_isCollection.store(known, std::memory_order_relaxed);
+    }
+    return known == 1;
+}
+
 CSmartPtr<CXmlCollectionBase> CElementInfo::TakeCollection(const KxVariant& value) {
     if (!value.IsValid() || value.IsNil()) return nullptr;
     CXmlCollectionBase* raw = value.GetXmlCollection();
