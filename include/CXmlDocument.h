@@ -51,8 +51,10 @@ public:
     // bits, so characters beyond the Basic Multilingual Plane are not supported). Throws as
     // LoadXml(const char*).
     void LoadXml(const wchar_t* text);
-    // Reads the whole file, then parses it as gzip- or zlib-compressed or plain input, Fast
-    // Infoset or XML text, recognised from the bytes. Throws CKxException "Failed to open the
+    // Reads the file and parses it as gzip- or zlib-compressed or plain input, Fast Infoset or
+    // XML text, recognised from the bytes. Plain XML text is parsed a megabyte at a time as it
+    // is read, so that with an element filter a large file is read in bounded memory;
+    // compressed and Fast Infoset files are read whole first. Throws CKxException "Failed to open the
     // file [path].", "Failed to get the size of the file [path] Error [e]" (also for anything
     // that is not a regular file), "Failed to read the contents of the file [path] Error [e]"
     // (also for an empty file), e being the stream's error indicator, or the reader's errors.
@@ -139,6 +141,9 @@ private:
     void BorrowInput(const unsigned char* data, unsigned long length);
     // Reads a whole file into the input bytes.
     void ReadFile(const char* path);
+    // Load's body: plain XML text is parsed in pieces as it is read; other files are read whole
+    // and handed to Parse.
+    void LoadFile(const char* path);
     // Decompresses the input if it is compressed, then parses it as Fast Infoset or XML text.
     void Parse();
     // Parses the input bytes as XML text.

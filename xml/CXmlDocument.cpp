@@ -147,8 +147,7 @@ void CXmlDocument::LoadXml(const wchar_t* text) {
 
 void CXmlDocument::Load(const char* path) {
     Cleanup();
-    ReadFile(path);
-    Parse();
+    LoadFile(path);
 }
 
 void CXmlDocument::LoadXmlStream(const unsigned char* data, unsigned long length) {
@@ -364,6 +363,65 @@ void CXmlDocument::ReadFile(const char* path) {
     }
     std::fclose(file);
     SetInput(bytes.release(), length);
+}
+
+void CXmlDocument::LoadFile(const char* path) {
+    const char* const name = path == nullptr ? "" : path;
+    std::FILE* file = std::fopen(name, "rt");
+    if (file == nullptr) throw CKxException(FormatString("Failed to open the file [%s].", name));
+    struct stat status;
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
+        ThrowFileError(file, "Failed to get the size of the file", name);
+    }
+    const unsigned long length = static_cast<unsigned long>(status.st_size);
+    const char* const readFailure = "Failed to read the contents of the file";
+    // The first piece tells the format; a file of one piece is simply parsed whole.
+    const unsigned long kPiece = 1ul << 20;
+    const unsigned long head = length < kPiece ? length : kPiece;
+    std::unique_ptr<unsigned char[]> bytes(new unsigned char[head == 0 ? 1 : head]);
+    size_t got = std::fread(bytes.get(), 1, head, file);
+    if (got == 0 || got < head) ThrowFileError(file, readFailure, name);
+    if (head == length || CKxZip::IsCompressed(bytes.get(), head) ||
+        CFastInfosetReader::HasHeader(bytes.get(), head)) {
+        if (head < length) {
+            // Decompression and the Fast Infoset reader need every byte at once.
+            std::unique_ptr<unsigned char[]> whole(new unsigned char[length]);
+            std::memcpy(whole.get(), bytes.get(), head);
+            bytes = std::move(whole);
+            got = std::fread(bytes.get() + head, 1, length - head, file);
+            if (got < length - head) ThrowFileError(file, readFailure, name);
+        }
+        std::fclose(file);
+        SetInput(bytes.release(), length);
+        Parse();
+        return;
+    }
+
+    // Plain XML text goes to expat one piece at a time, so that a large file is never held
+    // whole: with an element filter that drops what it has seen, memory stays flat.
+    struct Reading {
+        CXmlDocument& document;
+        std::FILE* file;
+        ~Reading() {
+            document.ReleaseInput();
+            if (file != nullptr) std::fclose(file);
+        }
+    } reading{*this, file};
+    CExpatReader reader(*this);
+    reader.CreateParser();
+    unsigned long total = 0;
+    while (got != 0) {
+        total += got;
+        BorrowInput(bytes.get(), got);
+        reader.Parse(false);
+        got = std::fread(bytes.get(), 1, kPiece, file);
+    }
+    if (std::ferror(file) != 0 || total < length) {
+        reading.file = nullptr;
+        ThrowFileError(file, readFailure, name);
+    }
+    BorrowInput(bytes.get(), 0);
+    reader.Parse(true);
 }
 
 void CXmlDocument::Parse() {
