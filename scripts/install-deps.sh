@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(cmake make g++ clang libclang-rt-14-dev pkg-config ccache python3
           libexpat1-dev zlib1g-dev libpcre2-dev
-          libgtest-dev libgmock-dev libbenchmark-dev rapidjson-dev
+          libgtest-dev libgmock-dev libbenchmark-dev rapidjson-dev valgrind
           openjdk-17-jdk-headless libfastinfoset-java)
 
 missing=()
