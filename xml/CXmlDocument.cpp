@@ -44,6 +44,19 @@ std::string FileErrorMessage(const char* what, const char* path, int error) {
     throw CKxException(message);
 }
 
+// Opens a file for reading and gives its length; only a regular file has a length to read
+// up to (a directory opens, but has none).
+std::FILE* OpenRegularFile(const char* name, unsigned long& length) {
+    std::FILE* file = std::fopen(name, "rt");
+    if (file == nullptr) throw CKxException(FormatString("Failed to open the file [%s].", name));
+    struct stat status;
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
+        ThrowFileError(file, "Failed to get the size of the file", name);
+    }
+    length = static_cast<unsigned long>(status.st_size);
+    return file;
+}
+
 std::unique_ptr<unsigned char[]> CopyBytes(const unsigned char* data, unsigned long length) {
     std::unique_ptr<unsigned char[]> copy(new unsigned char[length]);
     std::memcpy(copy.get(), data, length);
@@ -348,14 +361,8 @@ std::shared_ptr<const std::string> CXmlDocument::ShareNamespace(std::string_view
 
 void CXmlDocument::ReadFile(const char* path) {
     const char* const name = path == nullptr ? "" : path;
-    std::FILE* file = std::fopen(name, "rt");
-    if (file == nullptr) throw CKxException(FormatString("Failed to open the file [%s].", name));
-    // Only a regular file has a length to read up to (a directory opens, but has none).
-    struct stat status;
-    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
-        ThrowFileError(file, "Failed to get the size of the file", name);
-    }
-    const unsigned long length = static_cast<unsigned long>(status.st_size);
+    unsigned long length = 0;
+    std::FILE* file = OpenRegularFile(name, length);
     std::unique_ptr<unsigned char[]> bytes(new unsigned char[length == 0 ? 1 : length]);
     const size_t read = std::fread(bytes.get(), 1, length, file);
     if (read == 0 || read < length) {
@@ -367,13 +374,8 @@ void CXmlDocument::ReadFile(const char* path) {
 
 void CXmlDocument::LoadFile(const char* path) {
     const char* const name = path == nullptr ? "" : path;
-    std::FILE* file = std::fopen(name, "rt");
-    if (file == nullptr) throw CKxException(FormatString("Failed to open the file [%s].", name));
-    struct stat status;
-    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
-        ThrowFileError(file, "Failed to get the size of the file", name);
-    }
-    const unsigned long length = static_cast<unsigned long>(status.st_size);
+    unsigned long length = 0;
+    std::FILE* file = OpenRegularFile(name, length);
     const char* const readFailure = "Failed to read the contents of the file";
     // The first piece tells the format; a file of one piece is simply parsed whole.
     const unsigned long kPiece = 1ul << 20;
