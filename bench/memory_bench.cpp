@@ -30,15 +30,6 @@ namespace {
 
 const double kMb = 1024.0 * 1024.0;
 
-long FileSize(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) return -1;
-    std::fseek(file, 0, SEEK_END);
-    const long size = std::ftell(file);
-    std::fclose(file);
-    return size;
-}
-
 struct Row {
     std::string operation;
     double documentMb;
@@ -109,7 +100,7 @@ int main(int argc, char** argv) {
         const long streamed =
             KxTest::PeakResidentAddedBy([&] { orders->ToXmlFile(path.c_str()); });
         AsyncToXmlFile(false);
-        const double documentMb = FileSize(path) / kMb;
+        const double documentMb = KxTest::FileSize(path) / kMb;
         rows.push_back({"ToXmlFile, AsyncToXmlFile(true)", documentMb, streamed, ""});
         if (sizeMb <= 256) {
             rows.push_back({"ToXmlFile, built in memory", documentMb,

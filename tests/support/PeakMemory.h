@@ -7,8 +7,19 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 namespace KxTest {
+
+// The size of a file in bytes, -1 when it cannot be opened.
+inline long FileSize(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) return -1;
+    std::fseek(file, 0, SEEK_END);
+    const long size = std::ftell(file);
+    std::fclose(file);
+    return size;
+}
 
 // A "<field> <n> kB" line of /proc/self/status in bytes, -1 when it is missing.
 inline long StatusBytes(const char* field) {

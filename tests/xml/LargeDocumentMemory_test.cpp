@@ -51,15 +51,6 @@ std::string OrderXml(int seq) {
            "<DueDate>2024-04-01</DueDate></Invoice><Total>199.96</Total></Order>";
 }
 
-long FileSize(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) return -1;
-    std::fseek(file, 0, SEEK_END);
-    const long size = std::ftell(file);
-    std::fclose(file);
-    return size;
-}
-
 struct AsyncScope {
     explicit AsyncScope(bool on) { AsyncToXmlFile(on); }
     ~AsyncScope() { AsyncToXmlFile(false); }
@@ -118,7 +109,7 @@ TEST(LargeDocumentMemory, StreamedWriteAndFilteredReadStayFarBelowTheDocumentSiz
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
         const long added = KxTest::PeakResidentAddedBy(row.run);
-        ASSERT_GE(FileSize(path), documentBytes);
+        ASSERT_GE(KxTest::FileSize(path), documentBytes);
         if (row.atMost >= 0) {
             EXPECT_LE(added, row.atMost);
         }
