@@ -129,11 +129,7 @@ private:
     friend class CExpatReader;
     friend class CXmlElement;
 
-    // The document's shared copy of a namespace text, so that its elements do not each hold
-    // one.
-    std::shared_ptr<const std::string> ShareNamespace(std::string_view ns);
-
-    // AppendTextExcludingCR for text known to hold no NUL (the XML reader's).
+    // AppendTextExcludingCR for text known to hold no NUL.
     static void AppendWithoutCR(CXmlElement* element, const char* text, size_t length);
     // Takes ownership of an array-new buffer as the input bytes.
     void SetInput(unsigned char* data, unsigned long length);
@@ -163,7 +159,6 @@ private:
     std::unique_ptr<unsigned char[]> m_ownedInput;
     const unsigned char* m_input;
     unsigned long m_inputLength;
-    std::vector<std::shared_ptr<const std::string>> m_namespaces;
     SchemaType m_schemaType;
     ElementFilter m_filter;
     const CSerializationContext* m_context;

@@ -3,6 +3,7 @@
 #ifndef KX_CXMLELEMENT_H
 #define KX_CXMLELEMENT_H
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,6 +17,30 @@ namespace KxXmlLib16 {
 class CXmlDocument;
 class CXmlElement;
 class CXmlNodePool;
+
+// The local name or namespace URI of a node. A node in a document's pool points to the pool's
+// one shared copy of the text; a node on the heap owns its text. Internal to the tree.
+class CXmlNodeName {
+public:
+    // An owned empty name (a heap node's, until it is set).
+    CXmlNodeName() noexcept;
+    // A shared copy from a pool, not owned.
+    explicit CXmlNodeName(const std::string* shared) noexcept;
+    CXmlNodeName(const CXmlNodeName&) = delete;
+    CXmlNodeName& operator=(const CXmlNodeName&) = delete;
+    ~CXmlNodeName();
+
+    const std::string& Get() const;
+    bool IsOwned() const;
+    // Replaces an owned text (allocated on first non-empty use).
+    void AssignOwned(std::string_view text);
+    // Points to another shared copy (only for names that are not owned).
+    void Share(const std::string* shared);
+
+private:
+    // The text's address; the low bit is set when the text is owned.
+    std::uintptr_t m_bits;
+};
 
 // One attribute: owner element, local name, value and namespace URI (empty when unqualified).
 class KX_EXPORT CXmlAttribute : public CInstanceMonitor {
@@ -53,11 +78,14 @@ private:
     // Placement into a document's pool (the delete runs only if the constructor throws).
     static void* operator new(size_t size, CXmlNodePool* pool);
     static void operator delete(void* attribute, CXmlNodePool* pool);
+    // An attribute in a pool, with names shared through that pool.
+    CXmlAttribute(CXmlElement* owner, const std::string* localName, std::string_view value,
+                  const std::string* namespaceUri);
 
     CXmlElement* m_owner;
-    std::string m_localName;
+    CXmlNodeName m_localName;
+    CXmlNodeName m_namespaceUri;
     std::string m_value;
-    std::string m_namespaceUri;
 };
 
 // An element: its text (all character data directly inside it, mixed content flattened), its
@@ -65,9 +93,9 @@ private:
 // deleting an element deletes its whole subtree.
 //
 // An element detached with RemoveLastChildElement may outlive its document: it can still be
-// read and deleted, but the calls that consult the document (GetDocument, GetQName,
-// GetNameWithPredicate, GetXPath, SetNamespace, CreateNewChildElement, AddAttribute, and the
-// XPath of its attributes) must not be made once the document is destroyed.
+// read, renamed and deleted, but the calls that consult the document (GetDocument, GetQName,
+// GetNameWithPredicate, GetXPath, CreateNewChildElement, AddAttribute, and the XPath of its
+// attributes) must not be made once the document is destroyed.
 class KX_EXPORT CXmlElement : public CInstanceMonitor {
 public:
     // A detached element of `document` (which may be null) under `parent` (null for a root).
@@ -135,6 +163,15 @@ private:
     // Placement into a document's pool (the delete runs only if the constructor throws).
     static void* operator new(size_t size, CXmlNodePool* pool);
     static void operator delete(void* element, CXmlNodePool* pool);
+    // An element in a pool, with names shared through that pool.
+    CXmlElement(CXmlDocument* document, CXmlElement* parent, const std::string* localName,
+                const std::string* namespaceUri);
+
+    // A new child in `pool`, named, linked after the last child.
+    CXmlElement* AppendChild(CXmlNodePool* pool, const std::string* localName,
+                             const std::string* namespaceUri);
+    // Sets a name: an owned text, or the shared copy from the element's pool.
+    void SetName(CXmlNodeName& name, std::string_view text, bool isNamespace);
 
     // Deletes an element and all its descendants without recursion, so that deep trees cannot
     // exhaust the stack; follows the sibling chain too when `siblings` is set. The memory of
@@ -150,9 +187,8 @@ private:
     // list itself exists only once there are attributes, which keeps elements small.
     std::unique_ptr<std::vector<CXmlAttribute*>> m_attributes;
     std::string m_text;
-    std::string m_localName;
-    // Elements of one document share the text of each namespace (null: no namespace).
-    std::shared_ptr<const std::string> m_namespaceUri;
+    CXmlNodeName m_localName;
+    CXmlNodeName m_namespaceUri;
 };
 
 }  // namespace KxXmlLib16

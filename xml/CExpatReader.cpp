@@ -3,6 +3,7 @@
 
 #include <langinfo.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <cwchar>
@@ -108,7 +109,10 @@ CExpatReader::CExpatReader(CXmlDocument& doc)
       m_document(doc),
       m_parser(nullptr),
       m_namespaces(true),
-      m_utf8CodePage(false) {}
+      m_utf8CodePage(false),
+      m_text(m_firstText),
+      m_textLength(0),
+      m_textCapacity(kFirstTextSize) {}
 
 CExpatReader::~CExpatReader() { FreeParser(); }
 
@@ -152,6 +156,14 @@ void CExpatReader::Parse(bool isFinal) {
         data += piece;
     } while (status == XML_STATUS_OK && remaining != 0);
 
+    if (m_pending || status != XML_STATUS_OK) {
+        // The element keeps the text read before the failure.
+        try {
+            FlushText();
+        } catch (...) {
+            if (!m_pending) m_pending = std::current_exception();
+        }
+    }
     if (m_pending) {
         std::exception_ptr pending = m_pending;
         m_pending = nullptr;
@@ -173,6 +185,10 @@ void CExpatReader::Parse(bool isFinal) {
 void CExpatReader::Cleanup() {
     std::string().swap(m_nameBuffer);
     std::string().swap(m_valueBuffer);
+    m_grownText.reset();
+    m_text = m_firstText;
+    m_textLength = 0;
+    m_textCapacity = kFirstTextSize;
 }
 
 void CExpatReader::FreeParser() {
@@ -210,6 +226,51 @@ std::string_view CExpatReader::Convert(const char* utf8, size_t length, std::str
     return buffer;
 }
 
+void CExpatReader::ReserveText(size_t length) {
+    if (length <= m_textCapacity) return;
+    const size_t capacity = std::max(length, 2 * m_textCapacity);
+    std::unique_ptr<char[]> text(new char[capacity]);
+    if (m_textLength != 0) std::memcpy(text.get(), m_text, m_textLength);
+    m_grownText = std::move(text);
+    m_text = m_grownText.get();
+    m_textCapacity = capacity;
+}
+
+void CExpatReader::GatherText(const char* text, size_t length) {
+    // ASCII text needs no conversion: one pass copies it, drops the carriage returns and
+    // notices any byte that is not ASCII.
+    ReserveText(m_textLength + length);
+    char* const start = m_text + m_textLength;
+    char* out = start;
+    unsigned char high = 0;
+    for (size_t i = 0; i < length; ++i) {
+        const char c = text[i];
+        high |= static_cast<unsigned char>(c);
+        *out = c;
+        out += c != '\r';
+    }
+    if ((high & 0x80) == 0) {
+        m_textLength += static_cast<size_t>(out - start);
+        return;
+    }
+    const std::string_view converted = Convert(text, length, m_valueBuffer);
+    ReserveText(m_textLength + converted.size());
+    out = m_text + m_textLength;
+    for (const char c : converted) {
+        *out = c;
+        out += c != '\r';
+    }
+    m_textLength = static_cast<size_t>(out - m_text);
+}
+
+void CExpatReader::FlushText() {
+    if (m_textLength == 0) return;
+    const size_t length = m_textLength;
+    m_textLength = 0;
+    CXmlElement* element = m_document.GetCurrentElement();
+    if (element != nullptr) element->AppendText(std::string_view(m_text, length));
+}
+
 void CExpatReader::SplitName(std::string_view name, std::string_view& ns,
                              std::string_view& local) const {
     const size_t bar = m_namespaces ? name.find(kNamespaceSeparator) : std::string_view::npos;
@@ -224,6 +285,7 @@ void CExpatReader::SplitName(std::string_view name, std::string_view& ns,
 
 void CExpatReader::FnStartElement(void* userData, const char* name, const char** attributes) {
     Guard(userData, [name, attributes](CExpatReader& reader) {
+        reader.FlushText();
         CXmlDocument& document = reader.m_document;
         std::string_view ns;
         std::string_view local;
@@ -247,32 +309,28 @@ void CExpatReader::FnStartElement(void* userData, const char* name, const char**
 }
 
 void CExpatReader::FnEndElement(void* userData, const char*) {
-    Guard(userData, [](CExpatReader& reader) { reader.m_document.EndElement(); });
+    Guard(userData, [](CExpatReader& reader) {
+        reader.FlushText();
+        reader.m_document.EndElement();
+    });
 }
 
 void CExpatReader::FnText(void* userData, const char* text, int length) {
+    // XML text cannot hold a NUL character: only carriage returns need looking for.
     Guard(userData, [text, length](CExpatReader& reader) {
-        const std::string_view converted =
-            reader.Convert(text, static_cast<size_t>(length), reader.m_valueBuffer);
-        // XML text cannot hold a NUL character: only carriage returns need looking for.
-        CXmlElement* element = reader.m_document.GetCurrentElement();
-        if (element != nullptr) {
-            CXmlDocument::AppendWithoutCR(element, converted.data(), converted.size());
-        }
+        reader.GatherText(text, static_cast<size_t>(length));
     });
 }
 
 void CExpatReader::FnStartCDATA(void* userData) {
     Guard(userData, [](CExpatReader& reader) {
-        CXmlElement* element = reader.m_document.GetCurrentElement();
-        if (element != nullptr) element->AppendText(kCDATAStart);
+        reader.GatherText(kCDATAStart, sizeof kCDATAStart - 1);
     });
 }
 
 void CExpatReader::FnEndCDATA(void* userData) {
     Guard(userData, [](CExpatReader& reader) {
-        CXmlElement* element = reader.m_document.GetCurrentElement();
-        if (element != nullptr) element->AppendText(kCDATAEnd);
+        reader.GatherText(kCDATAEnd, sizeof kCDATAEnd - 1);
     });
 }
 

@@ -3,6 +3,7 @@
 #define KX_CEXPATREADER_H
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -50,6 +51,13 @@ private:
     // Splits "uri|local" at the first "|" (with namespace processing only).
     void SplitName(std::string_view name, std::string_view& ns, std::string_view& local) const;
     void FreeParser();
+    // Adds a piece of character data, without its carriage returns, to the gathered text.
+    void GatherText(const char* text, size_t length);
+    // Makes room for `length` bytes of gathered text in all.
+    void ReserveText(size_t length);
+    // Appends the gathered text to the innermost open element: called at every tag, so the
+    // text goes where it would have gone piece by piece.
+    void FlushText();
     // Runs a callback's work; an exception (from an element filter, or out of memory) must not
     // cross expat's C frames: it stops the parser and is rethrown once XML_Parse has returned.
     template <typename Work>
@@ -64,6 +72,15 @@ private:
     // Conversion buffers, reused for every callback: names, and attribute values.
     std::string m_nameBuffer;
     std::string m_valueBuffer;
+    // Character data not yet appended: expat delivers text in small pieces (line ends, entity
+    // references and buffer ends each start a new one), and the element takes them in one go.
+    // They are gathered in m_text: the reader's own first buffer, or a larger one when needed.
+    static const size_t kFirstTextSize = 256;
+    char* m_text;
+    size_t m_textLength;
+    size_t m_textCapacity;
+    std::unique_ptr<char[]> m_grownText;
+    char m_firstText[kFirstTextSize];
     std::exception_ptr m_pending;
 };
 

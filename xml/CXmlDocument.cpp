@@ -130,14 +130,14 @@ void CXmlDocument::Init() {
 
 void CXmlDocument::Cleanup() {
     m_elementStack.clear();
-    m_documentElement.reset();
+    // The tree's memory goes back to the pool without a reference count operation per node.
+    CXmlElement::DeleteTree(m_documentElement.release(), false, m_pool);
     // Elements the caller detached and still holds keep the pool alive until deleted.
     if (m_pool != nullptr) {
-        m_pool->Release();
+        m_pool->ReleaseDocument();
         m_pool = nullptr;
     }
     m_prefixMap.clear();
-    m_namespaces.clear();
     ReleaseInput();
 }
 
@@ -234,9 +234,8 @@ CXmlElement* CXmlDocument::AddDocElement(std::string_view ns, std::string_view n
         throw CKxInvalidStateException("The document already has a document element.");
     }
     if (m_pool == nullptr) m_pool = CXmlNodePool::Create();
-    std::unique_ptr<CXmlElement> root(new (m_pool) CXmlElement(this, nullptr));
-    root->SetNamespace(ns);
-    root->SetElementName(name);
+    std::unique_ptr<CXmlElement> root(new (m_pool) CXmlElement(
+        this, nullptr, m_pool->Intern(name), m_pool->InternNamespace(ns)));
     m_elementStack.reserve(16);
     m_elementStack.push_back(root.get());
     m_documentElement = std::move(root);
@@ -261,9 +260,8 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view ns, std::string_view
     if (m_elementStack.size() == m_elementStack.capacity()) {
         m_elementStack.reserve(2 * m_elementStack.capacity());
     }
-    CXmlElement* child = m_elementStack.back()->CreateNewChildElement();
-    child->SetNamespace(ns);
-    child->SetElementName(name);
+    CXmlElement* child = m_elementStack.back()->AppendChild(m_pool, m_pool->Intern(name),
+                                                            m_pool->InternNamespace(ns));
     m_elementStack.push_back(child);
     return child;
 }
@@ -346,17 +344,6 @@ void CXmlDocument::ReleaseInput() {
     m_ownedInput.reset();
     m_input = nullptr;
     m_inputLength = 0;
-}
-
-std::shared_ptr<const std::string> CXmlDocument::ShareNamespace(std::string_view ns) {
-    // Documents use a handful of namespaces: a short list, searched from the latest.
-    const size_t kMaxShared = 32;
-    for (auto it = m_namespaces.rbegin(); it != m_namespaces.rend(); ++it) {
-        if (**it == ns) return *it;
-    }
-    std::shared_ptr<const std::string> shared = std::make_shared<const std::string>(ns);
-    if (m_namespaces.size() < kMaxShared) m_namespaces.push_back(shared);
-    return shared;
 }
 
 void CXmlDocument::ReadFile(const char* path) {

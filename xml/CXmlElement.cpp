@@ -38,7 +38,42 @@ const std::string* PrefixOf(const CXmlDocument* document, const std::string& ns)
     return prefix.empty() ? nullptr : &prefix;
 }
 
+// The owned empty name: the shared empty text with the owned bit, so that it needs no
+// allocation and is never freed.
+std::uintptr_t OwnedEmpty() {
+    return reinterpret_cast<std::uintptr_t>(CXmlNodePool::EmptyName()) | 1u;
+}
+
 }  // namespace
+
+// CXmlNodeName
+
+CXmlNodeName::CXmlNodeName() noexcept : m_bits(OwnedEmpty()) {}
+
+CXmlNodeName::CXmlNodeName(const std::string* shared) noexcept
+    : m_bits(reinterpret_cast<std::uintptr_t>(shared)) {}
+
+CXmlNodeName::~CXmlNodeName() {
+    if (IsOwned() && m_bits != OwnedEmpty()) delete &Get();
+}
+
+const std::string& CXmlNodeName::Get() const {
+    return *reinterpret_cast<const std::string*>(m_bits & ~std::uintptr_t{1});
+}
+
+bool CXmlNodeName::IsOwned() const { return (m_bits & 1u) != 0; }
+
+void CXmlNodeName::AssignOwned(std::string_view text) {
+    if (m_bits != OwnedEmpty()) {
+        const_cast<std::string&>(Get()).assign(text);
+    } else if (!text.empty()) {
+        m_bits = reinterpret_cast<std::uintptr_t>(new std::string(text)) | 1u;
+    }
+}
+
+void CXmlNodeName::Share(const std::string* shared) {
+    m_bits = reinterpret_cast<std::uintptr_t>(shared);
+}
 
 // CXmlAttribute
 
@@ -46,9 +81,18 @@ CXmlAttribute::CXmlAttribute(CXmlElement* owner, std::string_view localName, std
                              std::string_view namespaceUri)
     : CInstanceMonitor("CXmlAttribute"),
       m_owner(owner),
+      m_value(value) {
+    m_localName.AssignOwned(localName);
+    m_namespaceUri.AssignOwned(namespaceUri);
+}
+
+CXmlAttribute::CXmlAttribute(CXmlElement* owner, const std::string* localName,
+                             std::string_view value, const std::string* namespaceUri)
+    : CInstanceMonitor("CXmlAttribute"),
+      m_owner(owner),
       m_localName(localName),
-      m_value(value),
-      m_namespaceUri(namespaceUri) {}
+      m_namespaceUri(namespaceUri),
+      m_value(value) {}
 
 CXmlAttribute::~CXmlAttribute() = default;
 
@@ -68,11 +112,11 @@ void CXmlAttribute::operator delete(void* attribute, CXmlNodePool*) {
 
 CXmlElement* CXmlAttribute::GetOwnerElement() const { return m_owner; }
 
-const std::string& CXmlAttribute::GetLocalName() const { return m_localName; }
+const std::string& CXmlAttribute::GetLocalName() const { return m_localName.Get(); }
 
 const std::string& CXmlAttribute::GetValue() const { return m_value; }
 
-const std::string& CXmlAttribute::GetNamespaceURI() const { return m_namespaceUri; }
+const std::string& CXmlAttribute::GetNamespaceURI() const { return m_namespaceUri.Get(); }
 
 std::string CXmlAttribute::GetXPath() const {
     std::string path;
@@ -80,24 +124,25 @@ std::string CXmlAttribute::GetXPath() const {
         path = m_owner->GetXPath();
         path += '/';
         // The prefix goes before the "@": messages are compared by text, so the order stays.
-        if (const std::string* prefix = PrefixOf(m_owner->GetDocument(), m_namespaceUri)) {
+        if (const std::string* prefix = PrefixOf(m_owner->GetDocument(), GetNamespaceURI())) {
             path += *prefix;
             path += ':';
         }
     }
     path += '@';
-    path += m_localName;
+    path += GetLocalName();
     return path;
 }
 
 bool CXmlAttribute::IsNamespaceAttribute() const {
-    return IsInstanceOrXmlnsNamespace(m_namespaceUri) &&
-           (m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
-            m_localName == "noNamespaceSchemaLocation");
+    const std::string& name = GetLocalName();
+    return IsInstanceOrXmlnsNamespace(GetNamespaceURI()) &&
+           (name == "xmlns" || name == "type" || name == "schemaLocation" ||
+            name == "noNamespaceSchemaLocation");
 }
 
 bool CXmlAttribute::IsNilAttribute() const {
-    return IsInstanceOrXmlnsNamespace(m_namespaceUri) && m_localName == "nil";
+    return IsInstanceOrXmlnsNamespace(GetNamespaceURI()) && GetLocalName() == "nil";
 }
 
 // CXmlElement
@@ -109,6 +154,17 @@ CXmlElement::CXmlElement(CXmlDocument* document, CXmlElement* parent)
       m_nextSibling(nullptr),
       m_firstChild(nullptr),
       m_lastChild(nullptr) {}
+
+CXmlElement::CXmlElement(CXmlDocument* document, CXmlElement* parent,
+                         const std::string* localName, const std::string* namespaceUri)
+    : CInstanceMonitor("CXmlElement"),
+      m_document(document),
+      m_parent(parent),
+      m_nextSibling(nullptr),
+      m_firstChild(nullptr),
+      m_lastChild(nullptr),
+      m_localName(localName),
+      m_namespaceUri(namespaceUri) {}
 
 CXmlElement::~CXmlElement() {
     DeleteTree(m_firstChild, true, nullptr);
@@ -174,11 +230,9 @@ CXmlDocument* CXmlElement::GetDocument() const { return m_document; }
 
 CXmlElement* CXmlElement::GetParentElement() const { return m_parent; }
 
-const std::string& CXmlElement::GetLocalName() const { return m_localName; }
+const std::string& CXmlElement::GetLocalName() const { return m_localName.Get(); }
 
-const std::string& CXmlElement::GetNamespaceURI() const {
-    return m_namespaceUri ? *m_namespaceUri : EmptyString();
-}
+const std::string& CXmlElement::GetNamespaceURI() const { return m_namespaceUri.Get(); }
 
 const std::string& CXmlElement::GetText() const { return m_text; }
 
@@ -204,7 +258,10 @@ const std::string& CXmlElement::GetAttribute(const std::string& localName,
 CXmlAttribute* CXmlElement::AddAttribute(std::string_view localName, std::string_view value,
                                          std::string_view ns) {
     CXmlNodePool* pool = m_document == nullptr ? nullptr : m_document->m_pool;
-    std::unique_ptr<CXmlAttribute> attribute(new (pool) CXmlAttribute(this, localName, value, ns));
+    std::unique_ptr<CXmlAttribute> attribute(
+        pool == nullptr ? new CXmlAttribute(this, localName, value, ns)
+                        : new (pool) CXmlAttribute(this, pool->Intern(localName), value,
+                                                   pool->InternNamespace(ns)));
     if (!m_attributes) m_attributes.reset(new std::vector<CXmlAttribute*>());
     m_attributes->push_back(attribute.get());
     return attribute.release();
@@ -232,7 +289,21 @@ void CXmlElement::AppendText(const char* text) { AppendText(ViewOf(text)); }
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
     CXmlNodePool* pool = m_document == nullptr ? nullptr : m_document->m_pool;
-    CXmlElement* child = new (pool) CXmlElement(m_document, this);
+    const std::string* empty = CXmlNodePool::EmptyName();
+    return AppendChild(pool, empty, empty);
+}
+
+CXmlElement* CXmlElement::AppendChild(CXmlNodePool* pool, const std::string* localName,
+                                      const std::string* namespaceUri) {
+    CXmlElement* child;
+    if (pool == nullptr) {
+        std::unique_ptr<CXmlElement> owned(new CXmlElement(m_document, this));
+        owned->m_localName.AssignOwned(*localName);
+        owned->m_namespaceUri.AssignOwned(*namespaceUri);
+        child = owned.release();
+    } else {
+        child = new (pool) CXmlElement(m_document, this, localName, namespaceUri);
+    }
     if (m_lastChild == nullptr) {
         m_firstChild = child;
     } else {
@@ -257,27 +328,29 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
     return last;
 }
 
-void CXmlElement::SetElementName(const char* name) { m_localName.assign(ViewOf(name)); }
+void CXmlElement::SetElementName(const char* name) { SetName(m_localName, ViewOf(name), false); }
 
-void CXmlElement::SetElementName(std::string_view name) { m_localName.assign(name); }
+void CXmlElement::SetElementName(std::string_view name) { SetName(m_localName, name, false); }
 
-void CXmlElement::SetNamespace(const char* ns) { SetNamespace(ViewOf(ns)); }
+void CXmlElement::SetNamespace(const char* ns) { SetName(m_namespaceUri, ViewOf(ns), true); }
 
-void CXmlElement::SetNamespace(std::string_view ns) {
-    if (ns.empty()) {
-        m_namespaceUri.reset();
-    } else if (m_document != nullptr) {
-        m_namespaceUri = m_document->ShareNamespace(ns);
-    } else {
-        m_namespaceUri = std::make_shared<const std::string>(ns);
+void CXmlElement::SetNamespace(std::string_view ns) { SetName(m_namespaceUri, ns, true); }
+
+void CXmlElement::SetName(CXmlNodeName& name, std::string_view text, bool isNamespace) {
+    if (name.IsOwned()) {
+        name.AssignOwned(text);
+        return;
     }
+    // Only pool elements share names: the pool in front of the element is there.
+    CXmlNodePool* pool = CXmlNodePool::PoolOf(this);
+    name.Share(isNamespace ? pool->InternNamespace(text) : pool->Intern(text));
 }
 
 std::string CXmlElement::GetQName() const {
     if (const std::string* prefix = PrefixOf(m_document, GetNamespaceURI())) {
-        return *prefix + ":" + m_localName;
+        return *prefix + ":" + GetLocalName();
     }
-    return m_localName;
+    return GetLocalName();
 }
 
 std::string CXmlElement::GetNameWithPredicate() const {
@@ -288,7 +361,7 @@ std::string CXmlElement::GetNameWithPredicate() const {
     for (const CXmlElement* sibling = m_parent->m_firstChild; sibling != nullptr;
          sibling = sibling->m_nextSibling) {
         // Only siblings with the same local name can have the same QName.
-        if (sibling->m_localName != m_localName || sibling->GetQName() != qname) continue;
+        if (sibling->GetLocalName() != GetLocalName() || sibling->GetQName() != qname) continue;
         ++count;
         if (sibling == this) position = count;
     }

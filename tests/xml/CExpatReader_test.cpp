@@ -252,3 +252,17 @@ TEST(CExpatReader, ReadsUtf16Input) {
     CXmlDocument bad;
     EXPECT_THROW(bad.LoadXmlStream(Bytes(lone), Length(lone)), CKxException);
 }
+
+TEST(CExpatReader, CarriageReturnsLeaveTextOfAnyCodePage) {
+    const std::string xml = u8"<a>é&#13;\r\nü\r<b/>x\ry&#13;</a>";
+    const char* locales[] = {"C.UTF-8", "C"};
+    for (const char* name : locales) {
+        SCOPED_TRACE(name);
+        KxTest::ScopedLocale locale(LC_ALL, name);
+        if (!locale.Ok()) continue;
+        CXmlDocument doc;
+        doc.LoadXml(xml.c_str());
+        EXPECT_EQ(CEncoder::Utf8ToLocalCodePage(u8"é\nü\nx\ny"),
+                  doc.GetDocumentElement()->GetText());
+    }
+}

@@ -558,3 +558,178 @@ TEST(CXmlDocument, DeepTreesAreBuiltAndFreedWithoutRecursion) {
     EXPECT_EQ(depth, levels);
     EXPECT_EQ(static_cast<size_t>(depth) * 2, deepest->GetXPath().size());
 }
+
+namespace {
+
+// "{ns}local" of each child, space-separated.
+std::string ChildNames(const CXmlElement* parent) {
+    std::string names;
+    for (const CXmlElement* child : Children(parent)) {
+        if (!names.empty()) names += ' ';
+        names += "{" + child->GetNamespaceURI() + "}" + child->GetLocalName();
+    }
+    return names;
+}
+
+}  // namespace
+
+TEST(CXmlDocument, RenamingAnElementLeavesItsNamesakesAlone) {
+    CXmlDocument doc;
+    doc.LoadXml("<r xmlns:p='urn:p'><Line/><Line/><p:Line/><Note/></r>");
+    CXmlElement* root = doc.GetDocumentElement();
+    std::vector<CXmlElement*> children;
+    for (CXmlElement* c = root->GetFirstElement(); c; c = c->GetNextSiblingElement()) {
+        children.push_back(c);
+    }
+    ASSERT_EQ(4u, children.size());
+    // Applied in order, each on top of the previous ones.
+    struct Case {
+        size_t child;
+        const char* name;  // null: keep the name
+        const char* ns;    // null: keep the namespace
+        const char* names;
+    };
+    const Case cases[] = {
+        {1, "Note", nullptr, "{}Line {}Note {urn:p}Line {}Note"},
+        {2, nullptr, "", "{}Line {}Note {}Line {}Note"},
+        {0, nullptr, "urn:p", "{urn:p}Line {}Note {}Line {}Note"},
+        {3, "Line", "urn:p", "{urn:p}Line {}Note {}Line {urn:p}Line"},
+        {0, "", "", "{} {}Note {}Line {urn:p}Line"},
+        {1, "Brand new name", "urn:brand-new",
+         "{} {urn:brand-new}Brand new name {}Line {urn:p}Line"},
+        {0, "Line", nullptr, "{}Line {urn:brand-new}Brand new name {}Line {urn:p}Line"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.names);
+        if (row.name != nullptr) children[row.child]->SetElementName(row.name);
+        if (row.ns != nullptr) children[row.child]->SetNamespace(row.ns);
+        EXPECT_EQ(row.names, ChildNames(root));
+    }
+    EXPECT_EQ("r", root->GetLocalName());
+    EXPECT_EQ("/r/Line[1]", children[0]->GetXPath());
+    EXPECT_EQ("/r/Line[2]", children[2]->GetXPath());
+    EXPECT_EQ("/r/p:Line", children[3]->GetXPath());
+}
+
+TEST(CXmlDocument, NamesOfDetachedNodesSurviveTheDocument) {
+    std::unique_ptr<CXmlElement> kept;
+    {
+        CXmlDocument doc;
+        doc.LoadXml(
+            "<a xmlns='urn:a' xmlns:q='urn:q'><b q:x='1' y='2'><c q:z='3'/></b><b/></a>");
+        kept.reset(doc.GetDocumentElement()->RemoveLastChildElement());
+        kept.reset(doc.GetDocumentElement()->RemoveLastChildElement());
+    }
+    ASSERT_NE(nullptr, kept);
+    CXmlElement* child = kept->GetFirstElement();
+    ASSERT_NE(nullptr, child);
+    EXPECT_EQ("{urn:a}c", ChildNames(kept.get()));
+    EXPECT_EQ("b", kept->GetLocalName());
+    EXPECT_EQ("1", kept->GetAttribute("x", "urn:q"));
+    EXPECT_EQ("2", kept->GetAttribute("y", ""));
+    EXPECT_EQ("3", child->GetAttribute("z", "urn:q"));
+    ASSERT_EQ(2u, kept->GetAttributes().size());
+    EXPECT_EQ("x", kept->GetAttributes()[0]->GetLocalName());
+    EXPECT_EQ("urn:q", kept->GetAttributes()[0]->GetNamespaceURI());
+    // Renaming still works once the document is gone, to new names and to names in use.
+    child->SetElementName("renamed");
+    kept->SetElementName("c");
+    EXPECT_EQ("{urn:a}renamed", ChildNames(kept.get()));
+    EXPECT_EQ("c", kept->GetLocalName());
+    EXPECT_EQ("urn:a", kept->GetNamespaceURI());
+}
+
+TEST(CXmlDocument, ManyDistinctNamesKeepTheirOwnText) {
+    const int kCount = 3000;
+    std::string xml = "<root>";
+    for (int i = 0; i < kCount; ++i) {
+        const std::string n = std::to_string(i);
+        xml += "<e" + n + " xmlns='urn:" + n + "' xmlns:p='urn:p" + n + "' a" + n + "='" + n +
+               "' p:b='" + n + "'/>";
+    }
+    xml += "</root>";
+    CXmlDocument doc;
+    doc.LoadXml(xml.c_str());
+    const std::vector<const CXmlElement*> children = Children(doc.GetDocumentElement());
+    ASSERT_EQ(static_cast<size_t>(kCount), children.size());
+    int wrong = 0;
+    for (int i = 0; i < kCount; ++i) {
+        const std::string n = std::to_string(i);
+        const CXmlElement* e = children[static_cast<size_t>(i)];
+        if (e->GetLocalName() != "e" + n || e->GetNamespaceURI() != "urn:" + n ||
+            e->GetAttribute("a" + n, "") != n || e->GetAttribute("b", "urn:p" + n) != n ||
+            e->GetAttribute("b", "urn:p") != "") {
+            ADD_FAILURE() << "element " << i << ": {" << e->GetNamespaceURI() << "}"
+                          << e->GetLocalName();
+            if (++wrong == 5) break;
+        }
+    }
+}
+
+TEST(CXmlDocument, TextReadBeforeAFailureIsKept) {
+    struct Case {
+        const char* xml;
+        const char* message;
+        const char* rootText;
+        const char* childText;
+    };
+    const Case cases[] = {
+        {"<a>he&amp;llo<b>wor</a>", "mismatched tag at line 1", "he&llo", "wor"},
+        {"<a>x\r\ny<b>1<![CDATA[2]]>3", "no element found at line 2", "x\ny", "123"},
+        {"<a>one<b/>two&bogus;</a>", "undefined entity at line 1", "onetwo", ""},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.xml);
+        CXmlDocument doc;
+        KxTest::ExpectKxError<CKxException>([&] { doc.LoadXml(row.xml); }, row.message);
+        const CXmlElement* root = doc.GetDocumentElement();
+        ASSERT_NE(nullptr, root);
+        EXPECT_EQ(row.rootText, root->GetText());
+        ASSERT_NE(nullptr, root->GetFirstElement());
+        EXPECT_EQ(row.childText, root->GetFirstElement()->GetText());
+    }
+}
+
+TEST(CXmlElement, NodesOutsideADocumentOwnTheirNames) {
+    CXmlDocument doc;
+    doc.LoadXml("<d/>");
+    CXmlElement onStack(nullptr, nullptr);
+    std::unique_ptr<CXmlElement> onHeap(new CXmlElement(nullptr, nullptr));
+    std::unique_ptr<CXmlElement> withDocument(new CXmlElement(&doc, nullptr));
+    struct Case {
+        const char* what;
+        CXmlElement* element;
+    };
+    const Case cases[] = {
+        {"on the stack", &onStack},
+        {"on the heap", onHeap.get()},
+        {"on the heap, with a document", withDocument.get()},
+        {"child of a heap element", onHeap->CreateNewChildElement()},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.what);
+        CXmlElement* e = row.element;
+        EXPECT_EQ("", e->GetLocalName());
+        EXPECT_EQ("", e->GetNamespaceURI());
+        e->SetElementName("A name longer than any short-string buffer");
+        e->SetNamespace("urn:x");
+        EXPECT_EQ("A name longer than any short-string buffer", e->GetLocalName());
+        EXPECT_EQ("urn:x", e->GetNamespaceURI());
+        e->SetNamespace(static_cast<const char*>(nullptr));
+        e->SetElementName("n");
+        EXPECT_EQ("", e->GetNamespaceURI());
+        EXPECT_EQ("n", e->GetLocalName());
+        const CXmlAttribute* attribute = e->AddAttribute("at", "v", "urn:y");
+        EXPECT_EQ("at", attribute->GetLocalName());
+        EXPECT_EQ("urn:y", attribute->GetNamespaceURI());
+        EXPECT_EQ("v", e->GetAttribute("at", "urn:y"));
+    }
+    // Loading again releases the document's pool; what was made with the document stays.
+    doc.LoadXml("<other/>");
+    EXPECT_EQ("n", withDocument->GetLocalName());
+    EXPECT_EQ("v", withDocument->GetAttribute("at", "urn:y"));
+    std::unique_ptr<CXmlAttribute> loose(new CXmlAttribute(nullptr, "loose", "1", "urn:z"));
+    EXPECT_EQ("loose", loose->GetLocalName());
+    EXPECT_EQ("urn:z", loose->GetNamespaceURI());
+    EXPECT_EQ("@loose", loose->GetXPath());
+}
