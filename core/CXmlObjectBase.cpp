@@ -113,29 +113,18 @@ bool DeflatesAsItWrites(XmlEncoding encoding, CompressionType compression) {
            (compression == CompressionType_GZip || compression == CompressionType_ZLib);
 }
 
-// A text stream that hands its text to a std::string at every flush (the writer flushes each
-// 4096 characters), so a large document is never held as a chain of blocks that must be joined
-// and copied at the end.
+// A text stream whose text becomes one std::string: the blocks the writer fills are kept as
+// they are and copied once, into a string of the final size, when the text is taken (growing a
+// string as the text comes would copy it again at every doubling).
 class CStringTextStream : public CTextStream {
 public:
     CStringTextStream() : CTextStream("CStringTextStream", XmlEncoding_UTF8) {}
-    void Open() override {
-        CTextStream::Open();
-        m_text.clear();
-    }
-    void Close() override { Flush(); }
-    void Flush() override {
-        if (m_buffer.GetLength() == 0) return;
-        m_text.append(m_buffer.GetText(), m_buffer.GetLength());
-        m_buffer.Empty();
-    }
     std::string TakeText() {
-        Flush();
-        return std::move(m_text);
+        std::string text;
+        m_buffer.AppendTo(text);
+        m_buffer.Clear();
+        return text;
     }
-
-private:
-    std::string m_text;
 };
 
 void ThrowAlreadySet(const char* format, const std::string& current) {

@@ -41,6 +41,10 @@ public:
     static CBinaryData LocalCodePageToUnicodeBinary(const char* text);
     // The same text as UTF-8 bytes; with ASCIIOnly set, the bytes unchanged.
     static CBinaryData LocalCodePageToUtf8Binary(const char* text);
+    // True when LocalCodePageToUtf8Binary leaves the `length` bytes of `text` (which hold no
+    // NUL) as they are: ASCII text in any locale, valid UTF-8 in a UTF-8 locale. Callers that
+    // already hold the bytes can then use them without converting.
+    static bool IsUtf8Unchanged(const char* text, size_t length);
     // A NUL-terminated wide text as UTF-8 bytes; empty for an empty text.
     static CBinaryData UnicodeToUtf8Binary(const wchar_t* text);
 

@@ -31,6 +31,15 @@ public:
     // Append exactly `length` characters from `text` (NUL characters included).
     void Append(const char* text, size_t length);
 
+    // In-place appending, for a producer that builds its text piece by piece: returns room for
+    // `length` characters at the end of the text, whose first `pending` characters are those
+    // the producer wrote at the pointer of its previous call (they move with the room when it
+    // has to move); `room` receives the space available there. Nothing written becomes part
+    // of the text until CommitAppend; any other change to the buffer voids the pointer.
+    char* PrepareAppend(size_t pending, size_t length, size_t& room);
+    // Makes the first `length` characters written at the prepared room part of the text.
+    void CommitAppend(size_t length);
+
     // Clear(), then Append(text).
     void SetText(const char* text);
 
@@ -39,6 +48,10 @@ public:
     const char* GetText();
     // Number of characters in the buffer.
     unsigned int GetLength() const;
+    // Appends the whole text to `out` block by block, without joining the blocks first.
+    void AppendTo(std::string& out) const;
+    // Copies the whole text (GetLength() characters, no terminator) to `out` the same way.
+    void CopyTo(char* out) const;
 
     // Makes the buffer empty, keeping the storage when it is a single block.
     void Empty();
@@ -46,9 +59,12 @@ public:
     void Clear();
 
 private:
-    void AddNewBlock();
+    // Starts a block of `capacity` characters (at least the configured block size).
+    void AddNewBlock(size_t capacity = 0);
 
     std::vector<std::unique_ptr<char[]>> m_blocks;
+    // The characters used in each block; the last entry is brought up to date only when a
+    // further block is started (m_currentUsed counts the current block).
     std::vector<unsigned int> m_blockSizes;
     unsigned int m_blockSize;
     unsigned int m_currentCapacity;

@@ -37,6 +37,13 @@ public:
     // Append exactly `length` characters from `text`, without looking for a NUL.
     void Append(const char* text, size_t length);
 
+    // In-place appending for writers (see CStringBuffer::PrepareAppend): room for `length`
+    // characters at the end of the text, the first `pending` of them carried over from the
+    // previous call; `room` receives the space available. The text grows only by
+    // CommitAppend; any other change to the stream voids the pointer.
+    char* PrepareAppend(size_t pending, size_t length, size_t& room);
+    void CommitAppend(size_t length);
+
     // The buffered text, NUL-terminated; valid until the stream next changes.
     const char* GetText() const;
     unsigned int GetLength() const;

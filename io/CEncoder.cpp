@@ -208,6 +208,10 @@ CBinaryData CEncoder::LocalCodePageToUtf8Binary(const char* text) {
     return WideToUtf8(wide.data(), wide.size());
 }
 
+bool CEncoder::IsUtf8Unchanged(const char* text, size_t length) {
+    return IsASCIIOnly() || IsUnchangedByUtf8RoundTrip(text, length);
+}
+
 CBinaryData CEncoder::UnicodeToUtf8Binary(const wchar_t* text) {
     if (text == nullptr) return CBinaryData();
     return WideToUtf8(text, std::wcslen(text));

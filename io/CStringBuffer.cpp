@@ -22,15 +22,47 @@ CStringBuffer::CStringBuffer(unsigned int allocationSize)
 
 CStringBuffer::~CStringBuffer() = default;
 
-void CStringBuffer::AddNewBlock() {
-    // One byte more than the capacity, zero-filled, so a lone block is always NUL-terminated.
-    std::unique_ptr<char[]> block(new char[m_blockSize + 1]());
-    m_blockSizes.reserve(m_blockSizes.size() + 1);
+void CStringBuffer::AddNewBlock(size_t capacity) {
+    const unsigned int size =
+        capacity > m_blockSize ? static_cast<unsigned int>(capacity) : m_blockSize;
+    // One byte more than the capacity, so a lone block can always be NUL-terminated in place
+    // (GetText writes the NUL; nothing reads past the used characters).
+    std::unique_ptr<char[]> block(new char[static_cast<size_t>(size) + 1]);
+    // Both lists grow geometrically (reserving one more each time would copy them whole on
+    // every block), and before anything changes, so a failure leaves them in step.
+    if (m_blocks.size() == m_blocks.capacity()) {
+        m_blocks.reserve(2 * m_blocks.size() + 16);
+    }
+    if (m_blockSizes.size() == m_blockSizes.capacity()) {
+        m_blockSizes.reserve(2 * m_blockSizes.size() + 16);
+    }
+    // A block left with room to spare (see PrepareAppend) keeps only what it holds.
+    if (!m_blockSizes.empty()) {
+        m_blockSizes.back() = m_currentUsed;
+    }
     m_blocks.push_back(std::move(block));
-    m_blockSizes.push_back(m_blockSize);
+    m_blockSizes.push_back(size);
     m_currentBlock = m_blocks.back().get();
-    m_currentCapacity = m_blockSize;
+    m_currentCapacity = size;
     m_currentUsed = 0;
+}
+
+char* CStringBuffer::PrepareAppend(size_t pending, size_t length, size_t& room) {
+    if (m_blocks.empty() || m_currentCapacity - m_currentUsed < length) {
+        // The block left behind stays allocated, so the pending characters are copied from it.
+        const char* previous = m_blocks.empty() ? nullptr : m_currentBlock + m_currentUsed;
+        AddNewBlock(length);
+        if (pending != 0) {
+            std::memcpy(m_currentBlock, previous, pending);
+        }
+    }
+    room = m_currentCapacity - m_currentUsed;
+    return m_currentBlock + m_currentUsed;
+}
+
+void CStringBuffer::CommitAppend(size_t length) {
+    m_currentUsed += static_cast<unsigned int>(length);
+    m_totalLength += static_cast<unsigned int>(length);
 }
 
 void CStringBuffer::Append(const char* text, size_t length) {
@@ -76,7 +108,8 @@ const char* CStringBuffer::GetText() {
         return empty;
     }
     if (m_blocks.size() == 1) {
-        return m_blocks.front().get();
+        m_currentBlock[m_currentUsed] = '\0';
+        return m_currentBlock;
     }
     std::unique_ptr<char[]> joined(new char[m_totalLength + 1]);
     char* out = joined.get();
@@ -102,9 +135,33 @@ const char* CStringBuffer::GetText() {
 
 unsigned int CStringBuffer::GetLength() const { return m_totalLength; }
 
+void CStringBuffer::AppendTo(std::string& out) const {
+    if (m_blocks.empty()) {
+        return;
+    }
+    out.reserve(out.size() + m_totalLength);
+    const size_t last = m_blocks.size() - 1;
+    for (size_t i = 0; i < last; ++i) {
+        out.append(m_blocks[i].get(), m_blockSizes[i]);
+    }
+    out.append(m_currentBlock, m_currentUsed);
+}
+
+void CStringBuffer::CopyTo(char* out) const {
+    if (m_blocks.empty()) {
+        return;
+    }
+    const size_t last = m_blocks.size() - 1;
+    for (size_t i = 0; i < last; ++i) {
+        std::memcpy(out, m_blocks[i].get(), m_blockSizes[i]);
+        out += m_blockSizes[i];
+    }
+    std::memcpy(out, m_currentBlock, m_currentUsed);
+}
+
 void CStringBuffer::Empty() {
     if (m_blocks.size() == 1) {
-        std::memset(m_currentBlock, 0, m_currentCapacity + 1);
+        m_currentBlock[0] = '\0';
         m_currentUsed = 0;
         m_totalLength = 0;
     } else {

@@ -1,6 +1,7 @@
 #include "CTextStream.h"
 
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "CEncoder.h"
@@ -40,6 +41,27 @@ CBinaryData ToUtf16(const char* text) {
     return CBinaryData(bytes, written * 2, true);
 }
 
+// The text as UTF-8. Most text is left as it is by the conversion: it is then copied once,
+// straight out of the buffer's blocks, into the result.
+CBinaryData Utf8Bytes(CStringBuffer& buffer) {
+    const size_t length = buffer.GetLength();
+    if (length != 0) {
+        std::unique_ptr<unsigned char[]> bytes(new unsigned char[length + 1]);
+        char* text = reinterpret_cast<char*>(bytes.get());
+        buffer.CopyTo(text);
+        text[length] = '\0';
+        // A NUL ends the text for the conversion: such text takes the general way.
+        if (std::memchr(text, '\0', length) == nullptr &&
+            CEncoder::IsUtf8Unchanged(text, length)) {
+            CBinaryData result(bytes.get(), static_cast<unsigned long>(length), true);
+            bytes.release();
+            return result;
+        }
+        return CEncoder::LocalCodePageToUtf8Binary(text);
+    }
+    return CEncoder::LocalCodePageToUtf8Binary(buffer.GetText());
+}
+
 }  // namespace
 
 CTextStream::CTextStream() : CTextStream("CTextStream", XmlEncoding_Unset) {}
@@ -65,6 +87,12 @@ void CTextStream::Append(const std::string& text) { m_buffer.Append(text); }
 
 void CTextStream::Append(const char* text, size_t length) { m_buffer.Append(text, length); }
 
+char* CTextStream::PrepareAppend(size_t pending, size_t length, size_t& room) {
+    return m_buffer.PrepareAppend(pending, length, room);
+}
+
+void CTextStream::CommitAppend(size_t length) { m_buffer.CommitAppend(length); }
+
 const char* CTextStream::GetText() const { return m_buffer.GetText(); }
 
 unsigned int CTextStream::GetLength() const { return m_buffer.GetLength(); }
@@ -74,7 +102,7 @@ XmlEncoding CTextStream::GetEncoding() const { return m_encoding; }
 CBinaryData CTextStream::GetEncodedStream() const {
     switch (m_encoding) {
         case XmlEncoding_UTF8:
-            return CEncoder::LocalCodePageToUtf8Binary(GetText());
+            return Utf8Bytes(m_buffer);
         case XmlEncoding_UTF16:
         case XmlEncoding_UTF16Undeclared:
             return ToUtf16(GetText());

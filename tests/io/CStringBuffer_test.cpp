@@ -85,3 +85,54 @@ TEST(CStringBuffer, EmptyKeepsASingleBlockAndLeavesNoOldText) {
     buffer.Append(std::string(50, 's'));
     EXPECT_EQ(std::string(50, 's'), buffer.GetText());
 }
+
+// Text built in place (as a writer does: pieces written into prepared room, then committed or
+// dropped) reads back like the same pieces appended to a string, however the blocks fall.
+TEST(CStringBuffer, InPlaceAppendsMatchAStringAtEveryBlockSize) {
+    const unsigned int allocationSizes[] = {1, 2, 3, 7, 64, 4096};
+    for (unsigned int size : allocationSizes) {
+        SCOPED_TRACE(size);
+        std::mt19937 random(size);
+        CStringBuffer buffer(size);
+        std::string expected;
+        for (int i = 0; i < 600; ++i) {
+            const int kind = static_cast<int>(random() % 4);
+            if (kind == 0) {
+                const std::string piece(random() % 20, static_cast<char>('a' + i % 26));
+                buffer.Append(piece);
+                expected += piece;
+            } else if (kind == 3) {
+                ASSERT_EQ(expected, buffer.GetText());
+            } else {
+                // Two or three pieces, each asking for more room than the last gave.
+                std::string written;
+                size_t room = 0;
+                char* at = nullptr;
+                const int pieces = 2 + static_cast<int>(random() % 2);
+                for (int p = 0; p < pieces; ++p) {
+                    const std::string piece(random() % 40, static_cast<char>('A' + p));
+                    if (written.size() + piece.size() > room || at == nullptr) {
+                        at = buffer.PrepareAppend(written.size(), written.size() + piece.size(),
+                                                  room);
+                        ASSERT_GE(room, written.size() + piece.size());
+                        ASSERT_EQ(written, std::string(at, written.size()));
+                    }
+                    piece.copy(at + written.size(), piece.size());
+                    written += piece;
+                }
+                if (kind == 1) {
+                    buffer.CommitAppend(written.size());
+                    expected += written;
+                }
+            }
+            ASSERT_EQ(expected.size(), buffer.GetLength());
+        }
+        std::string appended = "head:";
+        buffer.AppendTo(appended);
+        EXPECT_EQ("head:" + expected, appended);
+        std::string copied(expected.size(), '\0');
+        buffer.CopyTo(&copied[0]);
+        EXPECT_EQ(expected, copied);
+        EXPECT_EQ(expected, buffer.GetText());
+    }
+}

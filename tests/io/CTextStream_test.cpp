@@ -68,3 +68,32 @@ TEST(CTextStream, OpenEmptiesWhileFlushAndCloseKeepTheText) {
     stream.Append("b");
     EXPECT_STREQ("b", stream.GetText());
 }
+
+TEST(CTextStream, Utf8BytesOfTextSpreadOverSeveralBlocks) {
+    KxTest::ScopedLocale locale(LC_CTYPE, "C.UTF-8");
+    if (!locale.Ok()) {
+        GTEST_SKIP() << "no UTF-8 locale on this machine";
+    }
+    const std::string ascii(5000, 'a');
+    // U+20AC split over the end of the first 4095-character block.
+    const std::string euro = std::string(4094, 'b') + "\xE2\x82\xAC" + "c";
+    struct Case {
+        const char* name;
+        std::string appended;
+        std::string bytes;
+    };
+    const Case cases[] = {
+        {"ASCII", ascii, ascii},
+        {"UTF-8 across a block boundary", euro, euro},
+        {"a NUL ends the text", ascii + std::string("\0z", 2), ascii},
+        {"an invalid byte is replaced", ascii + "\xFF" + "d", ascii + "?d"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        CTextStream stream(KxXmlLib16::XmlEncoding_UTF8);
+        stream.Append(row.appended.data(), row.appended.size());
+        EXPECT_EQ(row.bytes, ToString(stream.GetEncodedStream()));
+        // Encoding leaves the text as it was.
+        EXPECT_EQ(row.appended.size(), stream.GetLength());
+    }
+}
