@@ -88,8 +88,8 @@ public:
     void SetWriteDefaultElementValues(bool write);
 
 private:
-    // Markup helpers: they add to m_markup, which each operation then hands to the stream in
-    // one piece.
+    // Markup helpers: they write each operation's markup in place at the end of the stream's
+    // text (m_markup), which EmitMarkup then makes part of the text in one piece.
     void CloseParentElm();
     void AddIndent(int depth);
     // `prefix`, ':' and `name`, or `name` alone when `prefix` is null.
@@ -102,8 +102,12 @@ private:
     // Free text given by the caller: like the stream's own Append, up to its first NUL.
     void PutText(const std::string& text);
     void Reserve(size_t extra);
-    // Hands m_markup to the stream and empties it.
+    // Commits m_markup to the stream's text and lets go of the room.
     void EmitMarkup();
+    // Lets go of the room without committing: what the operation wrote is dropped. Run at the
+    // end of every operation (so no pointer into the stream outlives it), by a MarkupScope.
+    void DiscardMarkup();
+    struct MarkupScope;
 
     // Appends `text` escaped for element content or, with `inAttribute`, an attribute value.
     void PadAndAppend(const std::string& text, bool inAttribute);
@@ -123,9 +127,10 @@ private:
     bool m_elementStarted;
     // m_indents[d] holds the indent characters repeated d times, built as deeper levels appear.
     std::vector<std::string> m_indents;
-    // The markup of one operation, handed to the stream with its length, so the stream gets
-    // few, whole pieces. Reused: it allocates only while its capacity grows.
-    std::unique_ptr<char[]> m_markup;
+    // The markup of the operation under way, written straight into the room the stream
+    // prepared (CTextStream::PrepareAppend) and committed whole, so each operation reaches
+    // the stream as one piece without being copied there. Null between operations.
+    char* m_markup;
     size_t m_markupLength;
     size_t m_markupCapacity;
 };

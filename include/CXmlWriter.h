@@ -87,10 +87,19 @@ public:
         bool InheritsScope() const;
         // True when the context holds its own copy of the namespace map.
         bool OwnsMap() const;
+        // Remembers the prefix the start tag wrote before the element's name (null: none), so
+        // that the end tag can reuse it instead of resolving the namespace again.
+        void RememberNamePrefix(const std::string* prefix);
+        // The prefix given to RememberNamePrefix; false when none was given or when the
+        // bindings in force have changed since (the name must then be resolved again).
+        bool RecallNamePrefix(const std::string*& prefix) const;
 
     private:
         friend class CXmlWriter;
 
+        // Records a change of this context's own bindings (default namespace, map or scope),
+        // which outdates what was remembered or looked up under the old ones.
+        void ScopeChanged();
         void TakeOwnScope(bool copyDefaultNamespace);
         // Makes a spare context a fresh child of `parent`, as the child constructor does.
         void ResetAsChild(const std::string& name, const std::string& ns,
@@ -112,6 +121,20 @@ public:
         CXmlWriterContext* m_scope;
         bool m_inheritsScope;
         bool m_ownsMap;
+        // Counts the changes of this context's own bindings; never reset, so a remembered
+        // (context, version) pair stays unambiguous when the context object is reused.
+        unsigned long m_scopeVersion;
+        // The last FindNamespacePrefix answer under this context's own bindings (elements
+        // mostly repeat their neighbours' namespace): valid while m_lookupVersion is current.
+        mutable std::string m_lookupNamespace;
+        mutable const std::string* m_lookupPrefix;
+        mutable unsigned long m_lookupVersion;
+        mutable bool m_lookupValid;
+        // What RememberNamePrefix recorded, and under which bindings.
+        const std::string* m_namePrefix;
+        const CXmlWriterContext* m_namePrefixScope;
+        unsigned long m_namePrefixVersion;
+        bool m_hasNamePrefix;
     };
 
     // `className` names the concrete writer for the instance monitor. The namespace map starts

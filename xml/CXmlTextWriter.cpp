@@ -1,6 +1,7 @@
 #include "CXmlTextWriter.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "CKxException.h"
@@ -16,10 +17,56 @@ constexpr unsigned int kFlushThreshold = 4096;
 // escaping are handed to the stream directly.
 constexpr size_t kLongText = 256;
 
-// The characters escaping replaces or drops. strcspn scans for them (and for the terminating
-// NUL) many bytes at a time.
-const char kElementSpecials[] = "&<>\n\r";
-const char kAttributeSpecials[] = "&<>\"\n\r";
+// The characters escaping replaces or drops, and the terminating NUL: bit 1 marks them in
+// element text, bit 2 in attribute values. Values are mostly short, where a table lookup per
+// character beats strcspn's setup.
+struct SpecialTable {
+    unsigned char marks[256];
+    constexpr SpecialTable() : marks() {
+        const char both[] = {'\0', '&', '<', '>', '\n', '\r'};
+        for (const char c : both) {
+            marks[static_cast<unsigned char>(c)] = 3;
+        }
+        marks[static_cast<unsigned char>('"')] = 2;
+    }
+};
+constexpr SpecialTable kSpecials;
+
+// Length of the run of `text` that needs no escaping.
+inline size_t PlainRun(const char* text, bool inAttribute) {
+    const unsigned char mask = inAttribute ? 2 : 1;
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+    while ((kSpecials.marks[*p] & mask) == 0) {
+        ++p;
+    }
+    return static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(text));
+}
+
+// Most pieces of markup are short (names, prefixes, indents, line ends): they are copied
+// inline, where a call to memcpy would cost more than the copy itself.
+inline void CopyBytes(char* to, const char* from, size_t length) {
+    if (length > 16) {
+        std::memcpy(to, from, length);
+    } else if (length >= 8) {
+        std::uint64_t head;
+        std::uint64_t tail;
+        std::memcpy(&head, from, 8);
+        std::memcpy(&tail, from + length - 8, 8);
+        std::memcpy(to, &head, 8);
+        std::memcpy(to + length - 8, &tail, 8);
+    } else if (length >= 4) {
+        std::uint32_t head;
+        std::uint32_t tail;
+        std::memcpy(&head, from, 4);
+        std::memcpy(&tail, from + length - 4, 4);
+        std::memcpy(to, &head, 4);
+        std::memcpy(to + length - 4, &tail, 4);
+    } else {
+        for (size_t i = 0; i < length; ++i) {
+            to[i] = from[i];
+        }
+    }
+}
 
 inline bool StartsWith(const std::string& text, const char* prefix, size_t prefixLength) {
     return text.compare(0, prefixLength, prefix, prefixLength) == 0;
@@ -36,8 +83,17 @@ CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
       m_format(true),
       m_stream(stream),
       m_elementStarted(false),
+      m_markup(nullptr),
       m_markupLength(0),
       m_markupCapacity(0) {}
+
+struct CXmlTextWriter::MarkupScope {
+    explicit MarkupScope(CXmlTextWriter& writer) : m_writer(writer) {}
+    ~MarkupScope() { m_writer.DiscardMarkup(); }
+    MarkupScope(const MarkupScope&) = delete;
+    MarkupScope& operator=(const MarkupScope&) = delete;
+    CXmlTextWriter& m_writer;
+};
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
@@ -57,13 +113,10 @@ void CXmlTextWriter::Close() {
 inline void CXmlTextWriter::Reserve(size_t extra) {
     const size_t needed = m_markupLength + extra;
     if (needed > m_markupCapacity) {
-        const size_t capacity = std::max(needed, std::max<size_t>(2 * m_markupCapacity, 256));
-        std::unique_ptr<char[]> grown(new char[capacity]);
-        if (m_markupLength != 0) {
-            std::memcpy(grown.get(), m_markup.get(), m_markupLength);
-        }
-        m_markup = std::move(grown);
-        m_markupCapacity = capacity;
+        // Moving to a new block copies what the operation wrote so far: the room at least
+        // doubles, so a long escaped text is not copied over and over.
+        m_markup = m_stream.PrepareAppend(m_markupLength, std::max(needed, 2 * m_markupLength),
+                                          m_markupCapacity);
     }
 }
 
@@ -74,7 +127,7 @@ inline void CXmlTextWriter::Put(char c) {
 
 inline void CXmlTextWriter::Put(const char* text, size_t length) {
     Reserve(length);
-    std::memcpy(m_markup.get() + m_markupLength, text, length);
+    CopyBytes(m_markup + m_markupLength, text, length);
     m_markupLength += length;
 }
 
@@ -85,11 +138,16 @@ inline void CXmlTextWriter::PutText(const std::string& text) {
 }
 
 void CXmlTextWriter::EmitMarkup() {
-    if (m_markupLength == 0) {
-        return;
+    if (m_markupLength != 0) {
+        m_stream.CommitAppend(m_markupLength);
     }
-    m_stream.Append(m_markup.get(), m_markupLength);
+    DiscardMarkup();
+}
+
+void CXmlTextWriter::DiscardMarkup() {
+    m_markup = nullptr;
     m_markupLength = 0;
+    m_markupCapacity = 0;
 }
 
 void CXmlTextWriter::FlushIfFull() {
@@ -136,9 +194,8 @@ std::string CXmlTextWriter::BindUniquePrefix(CXmlWriterContext& context,
 }
 
 void CXmlTextWriter::PutEscaped(const char* text, bool inAttribute) {
-    const char* specials = inAttribute ? kAttributeSpecials : kElementSpecials;
     for (;;) {
-        const size_t run = std::strcspn(text, specials);
+        const size_t run = PlainRun(text, inAttribute);
         Put(text, run);
         text += run;
         switch (*text) {
@@ -173,7 +230,7 @@ void CXmlTextWriter::PutEscaped(const char* text, bool inAttribute) {
 void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
     const char* begin = text.c_str();
     const size_t plainLength =
-        std::strcspn(begin, inAttribute ? kAttributeSpecials : kElementSpecials);
+        PlainRun(begin, inAttribute);
     const bool plain = begin[plainLength] == '\0';
     if (plain && plainLength > kLongText) {
         // A long text that needs no escaping goes to the stream without a copy.
@@ -205,6 +262,7 @@ void CXmlTextWriter::CloseParentElm() {
 // Document-level output
 
 void CXmlTextWriter::WriteStartDocument() {
+    const MarkupScope scope(*this);
     Put("<?xml version=\"1.0\"", 19);
     switch (m_stream.GetEncoding()) {
         case XmlEncoding_UTF8:
@@ -223,6 +281,7 @@ void CXmlTextWriter::WriteStartDocument() {
 }
 
 void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
+    const MarkupScope scope(*this);
     if (m_elementStarted) {
         throw CKxException("Headed directives must appear before an Element has been added.");
     }
@@ -233,6 +292,7 @@ void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
 }
 
 void CXmlTextWriter::WritePI(const std::string& text) {
+    const MarkupScope scope(*this);
     PutText(text);
     Put(m_endOfLine);
     Put(m_endOfLine);
@@ -241,6 +301,7 @@ void CXmlTextWriter::WritePI(const std::string& text) {
 }
 
 void CXmlTextWriter::WriteComment(const std::string& text) {
+    const MarkupScope scope(*this);
     Put("<!--", 4);
     PadAndAppend(text, false);
     Put("-->", 3);
@@ -250,6 +311,7 @@ void CXmlTextWriter::WriteComment(const std::string& text) {
 }
 
 void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
+    const MarkupScope scope(*this);
     Put(' ');
     Put(m_endOfLine);
     PutText(text);
@@ -259,6 +321,7 @@ void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
 }
 
 void CXmlTextWriter::WriteRawElement(const std::string& text) {
+    const MarkupScope scope(*this);
     PutText(text);
     if (m_format) {
         Put(m_endOfLine);
@@ -270,6 +333,7 @@ void CXmlTextWriter::WriteRawElement(const std::string& text) {
 // Elements, text and attributes
 
 void CXmlTextWriter::WriteStartElement(const std::string& name, const std::string& ns) {
+    const MarkupScope scope(*this);
     CloseParentElm();
     CXmlWriterContext& context = *PushContext(name, ns);
     context.SetStartTagOpen(true);
@@ -292,12 +356,15 @@ void CXmlTextWriter::WriteStartElement(const std::string& name, const std::strin
         if (undeclareDefault && !isRoot) {
             Put(" xmlns=\"\"", 9);
         }
+        context.RememberNamePrefix(nullptr);
     } else if (const std::string* prefix = context.FindNamespacePrefix(ns)) {
         AddQualifiedName(prefix, name);
+        context.RememberNamePrefix(prefix);
     } else {
         const std::string fresh = BindUniquePrefix(context, ns);
         AddQualifiedName(&fresh, name);
         AddNamespaceDeclaration(fresh, ns);
+        context.RememberNamePrefix(context.FindNamespacePrefix(ns));
     }
 
     if (isRoot) {
@@ -320,6 +387,7 @@ void CXmlTextWriter::WriteStartElement(const std::string& name, const std::strin
 
 void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
                                  bool isDefaultValue) {
+    const MarkupScope scope(*this);
     // Nothing at all for an empty text, so the element can still end as an empty-element tag.
     if (text.empty() || (isDefaultValue && !m_writeDefaultElementValues)) {
         return;
@@ -329,7 +397,7 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
         Put('>');
         context->SetStartTagOpen(false);
     }
-    if (StartsWith(text, kCDataStart, sizeof kCDataStart - 1)) {
+    if (text[0] == '<' && StartsWith(text, kCDataStart, sizeof kCDataStart - 1)) {
         EmitMarkup();
         m_stream.Append(text);
     } else {
@@ -340,6 +408,7 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
 }
 
 void CXmlTextWriter::WriteEndElement() {
+    const MarkupScope scope(*this);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr) {
         throw CKxException("There is no open Element to end.");
@@ -354,8 +423,9 @@ void CXmlTextWriter::WriteEndElement() {
         const std::string& ns = context->GetNamespace();
         const std::string* prefix = nullptr;
         // The scope may have changed since the start tag; the end tag follows the bindings now
-        // in force.
-        if (!ns.empty() && ns != context->GetDefaultNamespace()) {
+        // in force. While they are those of the start tag, its prefix is still the answer.
+        if (!context->RecallNamePrefix(prefix) && !ns.empty() &&
+            ns != context->GetDefaultNamespace()) {
             static const std::string unbound;
             prefix = context->FindNamespacePrefix(ns);
             if (prefix == nullptr) {
@@ -375,6 +445,7 @@ void CXmlTextWriter::WriteEndElement() {
 
 void CXmlTextWriter::WriteAttributeString(const std::string& name, const std::string& ns,
                                           const std::string& value, ItemType /*type*/) {
+    const MarkupScope scope(*this);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr || !context->IsStartTagOpen()) {
         throw CKxException("Attributes must be added before elements");
@@ -405,6 +476,7 @@ void CXmlTextWriter::WriteAttributeString(const std::string& name, const std::st
 
 void CXmlTextWriter::WriteAttributeType(const std::string& typeName, const std::string& typeNs,
                                         ItemType type) {
+    const MarkupScope scope(*this);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr || !context->IsStartTagOpen()) {
         throw CKxException("Attributes must be added before elements");

@@ -1,8 +1,36 @@
 #include "CXmlWriter.h"
 
+#include <cstdint>
+#include <cstring>
+
 #include "CKxException.h"
 
 namespace KxXmlLib16 {
+
+namespace {
+
+// Equality of two texts, inline for the usual namespace URI lengths, where a call to memcmp
+// costs more than the comparison.
+bool SameText(const std::string& a, const std::string& b) {
+    const size_t length = a.size();
+    if (length != b.size()) {
+        return false;
+    }
+    if (length < 8 || length > 16) {
+        return std::memcmp(a.data(), b.data(), length) == 0;
+    }
+    std::uint64_t a1;
+    std::uint64_t a2;
+    std::uint64_t b1;
+    std::uint64_t b2;
+    std::memcpy(&a1, a.data(), 8);
+    std::memcpy(&a2, a.data() + length - 8, 8);
+    std::memcpy(&b1, b.data(), 8);
+    std::memcpy(&b2, b.data() + length - 8, 8);
+    return a1 == b1 && a2 == b2;
+}
+
+}  // namespace
 
 const std::string CXmlWriter::XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
 
@@ -24,7 +52,15 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::string& name, const 
       m_ownMap(new NamespaceMap(namespaceMap)),
       m_scope(this),
       m_inheritsScope(false),
-      m_ownsMap(true) {
+      m_ownsMap(true),
+      m_scopeVersion(0),
+      m_lookupPrefix(nullptr),
+      m_lookupVersion(0),
+      m_lookupValid(false),
+      m_namePrefix(nullptr),
+      m_namePrefixScope(nullptr),
+      m_namePrefixVersion(0),
+      m_hasNamePrefix(false) {
     m_namespaceMap = m_ownMap.get();
 }
 
@@ -41,7 +77,15 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::string& name, const 
       m_namespaceMap(parent->m_namespaceMap),
       m_scope(parent->m_scope),
       m_inheritsScope(true),
-      m_ownsMap(false) {}
+      m_ownsMap(false),
+      m_scopeVersion(0),
+      m_lookupPrefix(nullptr),
+      m_lookupVersion(0),
+      m_lookupValid(false),
+      m_namePrefix(nullptr),
+      m_namePrefixScope(nullptr),
+      m_namePrefixVersion(0),
+      m_hasNamePrefix(false) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
     // Free the chain one link at a time: a recursive destruction of a deep document's chain
@@ -52,7 +96,13 @@ CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
     }
 }
 
+void CXmlWriter::CXmlWriterContext::ScopeChanged() {
+    ++m_scopeVersion;
+    m_lookupValid = false;
+}
+
 void CXmlWriter::CXmlWriterContext::TakeOwnScope(bool copyDefaultNamespace) {
+    ScopeChanged();
     m_ownMap.reset(new NamespaceMap(*m_namespaceMap));
     m_namespaceMap = m_ownMap.get();
     if (copyDefaultNamespace) {
@@ -74,6 +124,8 @@ void CXmlWriter::CXmlWriterContext::ResetAsChild(const std::string& name, const 
     m_name = name;
     m_contextState = ContextState_None;
     m_defaultNamespace.clear();
+    ScopeChanged();
+    m_hasNamePrefix = false;
     m_ownMap.reset();
     m_namespaceMap = parent->m_namespaceMap;
     m_scope = parent->m_scope;
@@ -96,14 +148,27 @@ std::string CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(const std::strin
 
 const std::string* CXmlWriter::CXmlWriterContext::FindNamespacePrefix(
     const std::string& ns) const {
+    // The map in force belongs to m_scope, which keeps the memo of its last answer.
+    const CXmlWriterContext& owner = *m_scope;
+    if (owner.m_lookupValid && owner.m_lookupVersion == owner.m_scopeVersion &&
+        SameText(owner.m_lookupNamespace, ns)) {
+        return owner.m_lookupPrefix;
+    }
     const NamespaceMap::const_iterator found = m_namespaceMap->find(ns);
-    return found != m_namespaceMap->end() ? &found->second : nullptr;
+    const std::string* prefix = found != m_namespaceMap->end() ? &found->second : nullptr;
+    owner.m_lookupValid = false;  // stays false if copying the key fails
+    owner.m_lookupNamespace = ns;
+    owner.m_lookupPrefix = prefix;
+    owner.m_lookupVersion = owner.m_scopeVersion;
+    owner.m_lookupValid = true;
+    return prefix;
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(const std::string& ns) {
     if (m_inheritsScope) {
         TakeOwnScope(false);
     }
+    ScopeChanged();
     m_defaultNamespace = ns;
 }
 
@@ -112,7 +177,24 @@ void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(const std::string& ns,
     if (m_inheritsScope) {
         TakeOwnScope(true);
     }
+    ScopeChanged();
     (*m_namespaceMap)[ns] = prefix;
+}
+
+void CXmlWriter::CXmlWriterContext::RememberNamePrefix(const std::string* prefix) {
+    m_namePrefix = prefix;
+    m_namePrefixScope = m_scope;
+    m_namePrefixVersion = m_scope->m_scopeVersion;
+    m_hasNamePrefix = true;
+}
+
+bool CXmlWriter::CXmlWriterContext::RecallNamePrefix(const std::string*& prefix) const {
+    if (!m_hasNamePrefix || m_namePrefixScope != m_scope ||
+        m_namePrefixVersion != m_scope->m_scopeVersion) {
+        return false;
+    }
+    prefix = m_namePrefix;
+    return true;
 }
 
 const std::string& CXmlWriter::CXmlWriterContext::GetName() const { return m_name; }

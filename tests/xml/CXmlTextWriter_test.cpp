@@ -377,6 +377,37 @@ TEST(CXmlTextWriter, NamespacesAreDeclaredWhereTheyAreFirstNeeded) {
     }
 }
 
+TEST(CXmlTextWriter, TagsFollowBindingsChangedSinceTheStartTag) {
+    struct Case {
+        const char* name;
+        const char* script;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"default namespace set inside the element", "<{urn:a}R =t xmlns=urn:a /",
+         "<AA:R xmlns:AA=\"urn:a\">t</R>"},
+        {"rebinding inside the element reaches its later children",
+         "<{urn:a}R =t xmlns:n=urn:a <{urn:a}C =u / /",
+         "<AA:R xmlns:AA=\"urn:a\">t<n:C>u</n:C></n:R>"},
+        {"a child's rebinding stays in the child", "<{urn:a}R <{urn:a}C =t xmlns:n=urn:a / /",
+         "<AA:R xmlns:AA=\"urn:a\"><AA:C>t</n:C></AA:R>"},
+        {"a child's default namespace stays in the child",
+         "<{urn:a}R <{urn:a}C =t xmlns=urn:a / /",
+         "<AA:R xmlns:AA=\"urn:a\"><AA:C>t</C></AA:R>"},
+        {"a sibling after a rebinding child uses the parent's bindings",
+         "<{urn:a}R <{urn:a}C =t xmlns:n=urn:a / <{urn:a}D =u / /",
+         "<AA:R xmlns:AA=\"urn:a\"><AA:C>t</n:C><AA:D>u</AA:D></AA:R>"},
+        {"namespaces alternating between siblings",
+         "<{urn:a}R <{urn:b}B =1 / <{urn:a}A =2 / <{urn:b}B =3 / /",
+         "<AA:R xmlns:AA=\"urn:a\"><AB:B xmlns:AB=\"urn:b\">1</AB:B><AA:A>2</AA:A>"
+         "<AB:B xmlns:AB=\"urn:b\">3</AB:B></AA:R>"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.expected, Render(S(row.script), Unformatted()));
+    }
+}
+
 TEST(CXmlTextWriter, EscapesSpecialCharactersInTextAndAttributes) {
     struct Case {
         const char* in;

@@ -174,6 +174,65 @@ TEST(CXmlWriter, ContextTakesItsOwnScopeOnFirstChange) {
     EXPECT_EQ("urn:e", other->GetDefaultNamespace());
 }
 
+TEST(CXmlWriter, RememberedNamePrefixLastsWhileTheBindingsDo) {
+    struct Case {
+        const char* name;
+        void (*change)(Context& parent, Context& child);
+        const char* lookup;  // what the child then finds for urn:a
+        bool recalled;
+    };
+    const Case cases[] = {
+        {"nothing changes", [](Context&, Context&) {}, "a", true},
+        {"the parent rebinds the namespace",
+         [](Context& parent, Context&) { parent.SetNamespaceMapValue("urn:a", "p"); }, "p",
+         false},
+        {"the parent binds another namespace",
+         [](Context& parent, Context&) { parent.SetNamespaceMapValue("urn:b", "b"); }, "a",
+         false},
+        {"the parent changes its default namespace",
+         [](Context& parent, Context&) { parent.SetDefaultNamespace("urn:a"); }, "a", false},
+        {"the child binds another namespace",
+         [](Context&, Context& child) { child.SetNamespaceMapValue("urn:b", "b"); }, "a", false},
+        {"the child rebinds the namespace",
+         [](Context&, Context& child) { child.SetNamespaceMapValue("urn:a", "c"); }, "c", false},
+        {"the child changes its default namespace",
+         [](Context&, Context& child) { child.SetDefaultNamespace("urn:d"); }, "a", false},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        Context* parent = new Context("R", "urn:a", "", NamespaceMap{{"urn:a", "a"}});
+        Context child("C", "urn:a", parent);
+        child.RememberNamePrefix(child.FindNamespacePrefix("urn:a"));
+        row.change(*parent, child);
+        const std::string* recalled = nullptr;
+        EXPECT_EQ(row.recalled, child.RecallNamePrefix(recalled));
+        if (row.recalled) {
+            ASSERT_NE(nullptr, recalled);
+            EXPECT_EQ("a", *recalled);
+        }
+        const std::string* found = child.FindNamespacePrefix("urn:a");
+        ASSERT_NE(nullptr, found);
+        EXPECT_EQ(row.lookup, *found);
+    }
+}
+
+TEST(CXmlWriter, ReusedContextRemembersNoPrefix) {
+    ProbeWriter writer;
+    writer.WriteStartElement("R", "urn:a");
+    const std::string* recalled = nullptr;
+    EXPECT_FALSE(writer.Current()->RecallNamePrefix(recalled));
+    writer.AddNamespace("a", "urn:a");
+    writer.WriteStartElement("C", "urn:a");
+    writer.Current()->RememberNamePrefix(writer.Current()->FindNamespacePrefix("urn:a"));
+    EXPECT_TRUE(writer.Current()->RecallNamePrefix(recalled));
+    writer.WriteEndElement();
+    // The next sibling is written with the ended element's context object.
+    writer.WriteStartElement("D", "");
+    EXPECT_FALSE(writer.Current()->RecallNamePrefix(recalled));
+    writer.WriteEndElement();
+    writer.WriteEndElement();
+}
+
 TEST(CXmlWriter, SetContextStateMarksTheCurrentElementOnly) {
     ProbeWriter writer;
     writer.SetContextState(CXmlWriter::ContextState_CollectionStart);  // no element: ignored
