@@ -35,6 +35,8 @@ public:
     long long GetLength() const;
     long long GetTotalDigits() const;
     long long GetFractionDigits() const;
+    // True when at least one facet is set; a value can fail the checks only then.
+    bool HasFacets() const;
 
 private:
     std::string m_pattern;

@@ -150,6 +150,11 @@ public:
     // CKxException "Invalid Type %d to convert to string" (with the tag) for tags 0, 27, 28 and
     // above.
     std::string ToString(const char* format = nullptr) const;
+    // The same text as ToString(format), for callers that only read it: a held string is
+    // returned as it is, without a copy; any other value is formatted into `scratch`, which
+    // is returned. The reference is valid while both the variant and `scratch` are unchanged.
+    // Throws as ToString.
+    const std::string& ToText(const char* format, std::string& scratch) const;
 
     // Parses the text with the CConversions parser of `type` (which applies `rule`) and stores
     // the result with the matching setter. Throws CKxException

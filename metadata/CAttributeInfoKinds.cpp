@@ -80,7 +80,9 @@ void CAttributeInfoPrimitive::AttributeToXml(const CSerializationContext& ctx,
     KxVariant value;
     ReadProperty(object, value);
     if (SkipUnset(*this, value)) return;
-    const std::string text = value.ToString(m_format.empty() ? nullptr : m_format.c_str());
+    std::string scratch;
+    const std::string& text =
+        value.ToText(m_format.empty() ? nullptr : m_format.c_str(), scratch);
     if (SkipDefault(*this, ctx, text)) return;
     CXmlObjectHelper::CheckRestriction(GetAttributeName().c_str(), value, m_type, m_restrictions);
     writer->WriteAttributeString(GetAttributeName(), GetNamespace(), text, value.GetItemType());

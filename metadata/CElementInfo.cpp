@@ -139,7 +139,9 @@ bool CElementInfo::ElementToXmlPrim(const CSerializationContext&, const CXmlGene
         return true;
     }
     if (!value.IsValid()) return false;
-    const std::string text = value.ToString(m_format.empty() ? nullptr : m_format.c_str());
+    std::string scratch;
+    const std::string& text =
+        value.ToText(m_format.empty() ? nullptr : m_format.c_str(), scratch);
     const bool isDefault = !m_defaultValue.empty() && text == m_defaultValue;
     // A value equal to the default is deliberately not facet-checked.
     if (!isDefault) CheckRestriction(value);
@@ -175,11 +177,16 @@ bool CElementInfo::ElementToXmlCol(const CSerializationContext& ctx,
                                    const CXmlGeneratedClass* object, CXmlWriter* writer) const {
     KxVariant value;
     ReadProperty(object, value);
-    CSmartPtr<CXmlCollectionBase> collection = TakeCollection(value);
-    if (!collection || collection->GetCount() < 1) return false;
+    // `value` holds a reference to the collection for the whole call, so it is used through a
+    // plain pointer: each count change takes the object's lock.
+    CXmlCollectionBase* collection =
+        value.IsValid() && !value.IsNil() ? value.GetXmlCollection() : nullptr;
+    if (!collection) return false;
+    collection->Release();
+    if (collection->GetCount() < 1) return false;
     // Only collections of objects are framed (the JSON writer makes them one array); typed
     // collections of simple values are written as repeated elements.
-    const bool framed = dynamic_cast<const CXmlCollection*>(collection.Ptr()) != nullptr;
+    const bool framed = dynamic_cast<const CXmlCollection*>(collection) != nullptr;
     if (framed) writer->SetContextState(CXmlWriter::ContextState_CollectionStart);
     collection->ToXml_Int(writer, false, m_namespace.c_str(), ctx, false);
     if (framed) writer->SetContextState(CXmlWriter::ContextState_CollectionEnd);

@@ -147,13 +147,18 @@ bool CElementInfoClsOps::WriteChild(const CElementInfo& info, const CSerializati
         writer->WriteEndElement();
         return true;
     }
-    CSmartPtr<CXmlObjectBase> child = TakeObject(value);
+    // `value` holds a reference to the child for the whole call, so the child is used through
+    // a plain pointer: each count change takes the object's lock.
+    CXmlObjectBase* child = value.IsValid() ? value.GetXmlObject() : nullptr;
     if (!child) return false;
+    child->Release();
     // A substituted child (another element name) is written in its own class's namespace.
-    const std::string ns = child->GetElementName() == info.GetElementName()
-                               ? info.GetNamespace()
-                               : child->GetNamespace();
-    child->ToXml_Int(writer, false, ns.c_str(), ctx, false);
+    if (child->GetElementName() == info.GetElementName()) {
+        child->ToXml_Int(writer, false, info.GetNamespace().c_str(), ctx, false);
+    } else {
+        const std::string ns = child->GetNamespace();
+        child->ToXml_Int(writer, false, ns.c_str(), ctx, false);
+    }
     return true;
 }
 

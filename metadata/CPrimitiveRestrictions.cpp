@@ -48,4 +48,11 @@ long long CPrimitiveRestrictions::GetLength() const { return m_length; }
 long long CPrimitiveRestrictions::GetTotalDigits() const { return m_totalDigits; }
 long long CPrimitiveRestrictions::GetFractionDigits() const { return m_fractionDigits; }
 
+bool CPrimitiveRestrictions::HasFacets() const {
+    return !m_pattern.empty() || m_minLength >= 0 || m_maxLength >= 0 ||
+           !m_minInclusive.empty() || !m_maxInclusive.empty() || !m_minExclusive.empty() ||
+           !m_maxExclusive.empty() || m_length >= 0 || m_totalDigits >= 0 ||
+           m_fractionDigits >= 0;
+}
+
 }  // namespace KxXmlLib16

@@ -322,8 +322,10 @@ void CXmlObjectHelper::CheckRestrictionFordecimal(const char* name, const CDecim
 
 void CXmlObjectHelper::CheckRestriction(const char* name, const KxVariant& value, ItemType type,
                                         const CPrimitiveRestrictions& restrictions) {
-    // A nil or invalid variant holds no value to test.
-    if (value.IsNil() || value.GetItemType() == ItemType_Invalid) return;
+    // A nil or invalid variant holds no value to test. Without facets no check can fail, so
+    // the value is not even copied out of the variant (the common case on every write).
+    if (value.IsNil() || value.GetItemType() == ItemType_Invalid || !restrictions.HasFacets())
+        return;
     switch (type) {
         case ItemType_hexBinary:
             return CheckRestrictionForhexBinary(name, value.GetHexBinary(), restrictions);

@@ -409,6 +409,12 @@ std::string KxVariant::ToString(const char* format) const {
     }
 }
 
+const std::string& KxVariant::ToText(const char* format, std::string& scratch) const {
+    if (m_type == ItemType_string) return HeapRef<std::string>();
+    scratch = ToString(format);
+    return scratch;
+}
+
 void KxVariant::FromString(const std::string& text, ItemType type,
                            CWhitespaceUtils::WhitespaceRule rule) {
     // Every branch parses completely before the setter runs, so a failure changes nothing.
