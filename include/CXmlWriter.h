@@ -123,18 +123,18 @@ public:
         bool m_ownsMap;
         // Counts the changes of this context's own bindings; never reset, so a remembered
         // (context, version) pair stays unambiguous when the context object is reused.
-        unsigned long m_scopeVersion;
+        unsigned long m_scopeVersion = 0;
         // The last FindNamespacePrefix answer under this context's own bindings (elements
         // mostly repeat their neighbours' namespace): valid while m_lookupVersion is current.
         mutable std::string m_lookupNamespace;
-        mutable const std::string* m_lookupPrefix;
-        mutable unsigned long m_lookupVersion;
-        mutable bool m_lookupValid;
+        mutable const std::string* m_lookupPrefix = nullptr;
+        mutable unsigned long m_lookupVersion = 0;
+        mutable bool m_lookupValid = false;
         // What RememberNamePrefix recorded, and under which bindings.
-        const std::string* m_namePrefix;
-        const CXmlWriterContext* m_namePrefixScope;
-        unsigned long m_namePrefixVersion;
-        bool m_hasNamePrefix;
+        const std::string* m_namePrefix = nullptr;
+        const CXmlWriterContext* m_namePrefixScope = nullptr;
+        unsigned long m_namePrefixVersion = 0;
+        bool m_hasNamePrefix = false;
     };
 
     // `className` names the concrete writer for the instance monitor. The namespace map starts

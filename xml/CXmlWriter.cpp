@@ -52,15 +52,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::string& name, const 
       m_ownMap(new NamespaceMap(namespaceMap)),
       m_scope(this),
       m_inheritsScope(false),
-      m_ownsMap(true),
-      m_scopeVersion(0),
-      m_lookupPrefix(nullptr),
-      m_lookupVersion(0),
-      m_lookupValid(false),
-      m_namePrefix(nullptr),
-      m_namePrefixScope(nullptr),
-      m_namePrefixVersion(0),
-      m_hasNamePrefix(false) {
+      m_ownsMap(true) {
     m_namespaceMap = m_ownMap.get();
 }
 
@@ -77,15 +69,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(const std::string& name, const 
       m_namespaceMap(parent->m_namespaceMap),
       m_scope(parent->m_scope),
       m_inheritsScope(true),
-      m_ownsMap(false),
-      m_scopeVersion(0),
-      m_lookupPrefix(nullptr),
-      m_lookupVersion(0),
-      m_lookupValid(false),
-      m_namePrefix(nullptr),
-      m_namePrefixScope(nullptr),
-      m_namePrefixVersion(0),
-      m_hasNamePrefix(false) {}
+      m_ownsMap(false) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
     // Free the chain one link at a time: a recursive destruction of a deep document's chain
