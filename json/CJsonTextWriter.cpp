@@ -16,14 +16,33 @@ constexpr unsigned int kFlushThreshold = 4096;
 constexpr unsigned long kUnquotedTypes = 0x7001FF8UL;
 const char kHexDigits[] = "0123456789ABCDEF";
 
-// Bytes the lenient escaping changes: every control character. strcspn stops at them (and at
-// the terminating NUL).
-const char kLenientSpecials[] =
-    "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F"
-    "\x10\x11\x12\x13\x14\x15\x16\x17\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F";
-const char kStandardSpecials[] =
-    "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F"
-    "\x10\x11\x12\x13\x14\x15\x16\x17\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F\"\\";
+// Bytes that end a run of text copied as it is: every control character for the lenient
+// escaping, plus the quotation mark and the backslash for the standard one; both stop at the
+// terminating NUL. A table lookup per byte is cheaper than strcspn's set test.
+struct SpecialBytes {
+    bool lenient[256];
+    bool standard[256];
+};
+
+constexpr SpecialBytes MakeSpecialBytes() {
+    SpecialBytes table{};
+    for (int c = 0; c < 0x20; ++c) {
+        table.lenient[c] = true;
+        table.standard[c] = true;
+    }
+    table.standard[static_cast<unsigned char>('"')] = true;
+    table.standard[static_cast<unsigned char>('\\')] = true;
+    return table;
+}
+
+constexpr SpecialBytes kSpecialBytes = MakeSpecialBytes();
+
+// The length of the leading run of `text` that holds none of the `special` bytes.
+size_t PlainRun(const char* text, const bool* special) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+    while (!special[*p]) ++p;
+    return static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(text));
+}
 
 bool IsUnquotedType(ItemType type) {
     const int n = static_cast<int>(type);
@@ -134,7 +153,7 @@ void CJsonTextWriter::Pair(const std::string& key, const std::string& value) {
 
 void CJsonTextWriter::PutLenientEscaped(const char* text) {
     for (;;) {
-        const size_t run = std::strcspn(text, kLenientSpecials);
+        const size_t run = PlainRun(text, kSpecialBytes.lenient);
         m_out.append(text, run);
         text += run;
         const unsigned char c = static_cast<unsigned char>(*text);
@@ -169,7 +188,7 @@ void CJsonTextWriter::PutLenientEscaped(const char* text) {
 
 void CJsonTextWriter::PutStandardEscaped(const char* text) {
     for (;;) {
-        const size_t run = std::strcspn(text, kStandardSpecials);
+        const size_t run = PlainRun(text, kSpecialBytes.standard);
         m_out.append(text, run);
         text += run;
         const unsigned char c = static_cast<unsigned char>(*text);
