@@ -129,8 +129,6 @@ private:
     friend class CExpatReader;
     friend class CXmlElement;
 
-    // AppendTextExcludingCR for text known to hold no NUL.
-    static void AppendWithoutCR(CXmlElement* element, const char* text, size_t length);
     // Takes ownership of an array-new buffer as the input bytes.
     void SetInput(unsigned char* data, unsigned long length);
     // Uses the caller's bytes as the input, without a copy, for the duration of one load.

@@ -288,16 +288,11 @@ void CXmlDocument::AddNamespaceBinding(std::string_view prefix, std::string_view
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, const char* text, size_t length) {
     if (element == nullptr || text == nullptr) return;
+    // The text ends at its first NUL; the runs between carriage returns are copied, each CR
+    // dropped.
     const void* nul = std::memchr(text, '\0', length);
-    AppendWithoutCR(
-        element, text,
-        nul == nullptr ? length : static_cast<size_t>(static_cast<const char*>(nul) - text));
-}
-
-void CXmlDocument::AppendWithoutCR(CXmlElement* element, const char* text, size_t length) {
-    // Copy the runs between carriage returns, dropping each CR.
     const char* run = text;
-    const char* const end = text + length;
+    const char* const end = nul == nullptr ? text + length : static_cast<const char*>(nul);
     while (run < end) {
         const void* cr = std::memchr(run, '\r', static_cast<size_t>(end - run));
         const char* const runEnd = cr == nullptr ? end : static_cast<const char*>(cr);
