@@ -445,8 +445,13 @@ void KxVariant::FromString(const std::string& text, ItemType type,
         case ItemType_char: SetChar(CConversions::charFromString(text, rule)); break;
         case ItemType_string: SetString(CConversions::stringFromString(text, rule)); break;
         case ItemType_boolean: SetBoolean(CConversions::booleanFromString(text, rule)); break;
-        case ItemType_decimal: SetDecimal(CConversions::decimalFromString(text, rule)); break;
-        case ItemType_integer: SetInteger(CConversions::integerFromString(text, rule)); break;
+        // The parsed digits move into the held value instead of being copied.
+        case ItemType_decimal:
+            SetHeap<CDecimal>(ItemType_decimal, CConversions::decimalFromString(text, rule));
+            break;
+        case ItemType_integer:
+            SetHeap<CBigInteger>(ItemType_integer, CConversions::integerFromString(text, rule));
+            break;
         default: ThrowNotConvertible(m_type);
     }
 }
