@@ -1,10 +1,10 @@
 #include "CXmlTextWriter.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 
 #include "CKxException.h"
+#include "io/CopyShortBytes.h"
 
 namespace KxXmlLib16 {
 
@@ -40,32 +40,6 @@ inline size_t PlainRun(const char* text, bool inAttribute) {
         ++p;
     }
     return static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(text));
-}
-
-// Most pieces of markup are short (names, prefixes, indents, line ends): they are copied
-// inline, where a call to memcpy would cost more than the copy itself.
-inline void CopyBytes(char* to, const char* from, size_t length) {
-    if (length > 16) {
-        std::memcpy(to, from, length);
-    } else if (length >= 8) {
-        std::uint64_t head;
-        std::uint64_t tail;
-        std::memcpy(&head, from, 8);
-        std::memcpy(&tail, from + length - 8, 8);
-        std::memcpy(to, &head, 8);
-        std::memcpy(to + length - 8, &tail, 8);
-    } else if (length >= 4) {
-        std::uint32_t head;
-        std::uint32_t tail;
-        std::memcpy(&head, from, 4);
-        std::memcpy(&tail, from + length - 4, 4);
-        std::memcpy(to, &head, 4);
-        std::memcpy(to + length - 4, &tail, 4);
-    } else {
-        for (size_t i = 0; i < length; ++i) {
-            to[i] = from[i];
-        }
-    }
 }
 
 inline bool StartsWith(const std::string& text, const char* prefix, size_t prefixLength) {
@@ -127,7 +101,7 @@ inline void CXmlTextWriter::Put(char c) {
 
 inline void CXmlTextWriter::Put(const char* text, size_t length) {
     Reserve(length);
-    CopyBytes(m_markup + m_markupLength, text, length);
+    CopyShortBytes(m_markup + m_markupLength, text, length);
     m_markupLength += length;
 }
 
