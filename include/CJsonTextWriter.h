@@ -101,19 +101,36 @@ private:
     void ShiftIndent(CXmlWriterContext& context, int delta);
     CXmlWriterContext& RequireContext(const char* message) const;
 
+    // Output assembly: each operation writes straight into room the stream prepares
+    // (CTextStream::PrepareAppend) and commits it whole, so it reaches the stream as one
+    // piece without a staging copy.
+    void Reserve(size_t extra);
+    void Grow(size_t extra);
+    void Put(char c);
+    void Put(const char* text, size_t length);
+    void Put(const std::string& text);
+    // Caller text: like the stream's own Append, up to its first NUL.
+    void PutText(const std::string& text);
     void LineBreak();
     void Indent(int level);
     void Key(const std::string& key);
+    void PrefixedKey(const std::string* prefix, const std::string& name);
     void Pair(const std::string& key, const std::string& value);
-    void PutText(const std::string& text);
     void WriteValue(const std::string& value, ItemType type);
     void PutTextKey();
     void WritePendingValue();
-    void PutEscaped(const char* text);
-    void PutStandardEscaped(const char* text);
-    void PutLenientEscaped(const char* text);
-    // Hands the pending text to the stream.
+    void PutEscaped(const std::string& text);
+    // The escapings, each stopping at the first NUL of `text`.
+    void PutStandardEscaped(const std::string& text);
+    void PutLenientEscaped(const std::string& text);
+    // "\u00" and two hexadecimal digits.
+    void PutUnicodeEscape(unsigned char c);
+    // Commits what the operation wrote to the stream.
     void Emit();
+    // Lets go of the prepared room without committing. Run at the end of every operation (so
+    // no pointer into the stream outlives it) by an OutputScope.
+    void DiscardOutput();
+    struct OutputScope;
     void FlushIfFull();
 
     std::string m_indentChars;
@@ -147,8 +164,11 @@ private:
     size_t m_openElements;
     // m_indents[n] holds the indent characters repeated n times.
     std::vector<std::string> m_indents;
-    // The text of the current operation, handed to the stream in one piece.
-    std::string m_out;
+    // The room of the operation under way (null between operations), how much of it is
+    // written and how much there is.
+    char* m_out;
+    size_t m_outLength;
+    size_t m_outCapacity;
 };
 
 }  // namespace KxXmlLib16

@@ -1,9 +1,11 @@
 #include "CJsonTextWriter.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "CKxException.h"
 #include "FormatString.h"
+#include "io/CopyShortBytes.h"
 
 namespace KxXmlLib16 {
 
@@ -18,7 +20,7 @@ const char kHexDigits[] = "0123456789ABCDEF";
 
 // Bytes that end a run of text copied as it is: every control character for the lenient
 // escaping, plus the quotation mark and the backslash for the standard one; both stop at the
-// terminating NUL. A table lookup per byte is cheaper than strcspn's set test.
+// terminating NUL.
 struct SpecialBytes {
     bool lenient[256];
     bool standard[256];
@@ -36,13 +38,6 @@ constexpr SpecialBytes MakeSpecialBytes() {
 }
 
 constexpr SpecialBytes kSpecialBytes = MakeSpecialBytes();
-
-// The length of the leading run of `text` that holds none of the `special` bytes.
-size_t PlainRun(const char* text, const bool* special) {
-    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
-    while (!special[*p]) ++p;
-    return static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(text));
-}
 
 bool IsUnquotedType(ItemType type) {
     const int n = static_cast<int>(type);
@@ -75,7 +70,16 @@ bool IsJsonNumber(const char* p) {
     return *p == '\0';
 }
 
+
 }  // namespace
+
+struct CJsonTextWriter::OutputScope {
+    explicit OutputScope(CJsonTextWriter& writer) : m_writer(writer) {}
+    ~OutputScope() { m_writer.DiscardOutput(); }
+    OutputScope(const OutputScope&) = delete;
+    OutputScope& operator=(const OutputScope&) = delete;
+    CJsonTextWriter& m_writer;
+};
 
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream)
     : CXmlWriter("CJsonTextWriter"),
@@ -90,7 +94,10 @@ CJsonTextWriter::CJsonTextWriter(CTextStream& stream)
       m_pendingType(ItemType_string),
       m_standardEscaping(false),
       m_rootWritten(false),
-      m_openElements(0) {}
+      m_openElements(0),
+      m_out(nullptr),
+      m_outLength(0),
+      m_outCapacity(0) {}
 
 CJsonTextWriter::~CJsonTextWriter() = default;
 
@@ -107,18 +114,58 @@ void CJsonTextWriter::Close() {
 // ---------------------------------------------------------------------------------------------
 // Text assembly
 
+inline void CJsonTextWriter::Reserve(size_t extra) {
+    if (m_outLength + extra > m_outCapacity) Grow(extra);
+}
+
+// Kept out of line, so that the test in Reserve stays small enough to inline everywhere.
+void CJsonTextWriter::Grow(size_t extra) {
+    // Moving to a new block copies what the operation wrote so far: the room at least doubles,
+    // so a long text is not copied over and over.
+    m_out = m_stream.PrepareAppend(m_outLength, std::max(m_outLength + extra, 2 * m_outLength),
+                                   m_outCapacity);
+}
+
+inline void CJsonTextWriter::Put(char c) {
+    Reserve(1);
+    m_out[m_outLength++] = c;
+}
+
+inline void CJsonTextWriter::Put(const char* text, size_t length) {
+    Reserve(length);
+    CopyShortBytes(m_out + m_outLength, text, length);
+    m_outLength += length;
+}
+
+inline void CJsonTextWriter::Put(const std::string& text) { Put(text.data(), text.size()); }
+
+inline void CJsonTextWriter::PutText(const std::string& text) {
+    // Copied while looking for the NUL, instead of measuring the text first and copying it
+    // after: the size bounds the copy, the terminator of c_str() ends it.
+    Reserve(text.size());
+    const char* from = text.c_str();
+    char* out = m_out + m_outLength;
+    while (*from != '\0') *out++ = *from++;
+    m_outLength = static_cast<size_t>(out - m_out);
+}
+
 void CJsonTextWriter::Emit() {
-    if (m_out.empty()) return;
-    m_stream.Append(m_out.data(), m_out.size());
-    m_out.clear();
+    if (m_outLength != 0) m_stream.CommitAppend(m_outLength);
+    DiscardOutput();
+}
+
+void CJsonTextWriter::DiscardOutput() {
+    m_out = nullptr;
+    m_outLength = 0;
+    m_outCapacity = 0;
 }
 
 void CJsonTextWriter::FlushIfFull() {
     if (m_stream.GetLength() >= kFlushThreshold) m_stream.Flush();
 }
 
-void CJsonTextWriter::LineBreak() {
-    if (m_format) m_out += m_endOfLine;
+inline void CJsonTextWriter::LineBreak() {
+    if (m_format) Put(m_endOfLine);
 }
 
 void CJsonTextWriter::Indent(int level) {
@@ -126,45 +173,76 @@ void CJsonTextWriter::Indent(int level) {
     const size_t n = static_cast<size_t>(level);
     if (m_indents.empty()) m_indents.emplace_back();
     while (m_indents.size() <= n) m_indents.push_back(m_indents.back() + m_indentChars);
-    m_out += m_indents[n];
-}
-
-void CJsonTextWriter::PutText(const std::string& text) {
-    // Like the stream itself, caller text ends at its first NUL.
-    m_out.append(text.c_str(), std::strlen(text.c_str()));
+    Put(m_indents[n]);
 }
 
 void CJsonTextWriter::Key(const std::string& key) {
-    m_out += '"';
+    Reserve(key.size() + 4);
+    m_out[m_outLength++] = '"';
     PutText(key);
-    m_out += "\": ";
+    Put("\": ", 3);
+}
+
+// The key "prefix:name" (or "name" without a prefix), written in pieces rather than joined
+// first. Like any caller text, the key ends at its first NUL.
+void CJsonTextWriter::PrefixedKey(const std::string* prefix, const std::string& name) {
+    if (prefix == nullptr) {
+        Key(name);
+        return;
+    }
+    Reserve(prefix->size() + name.size() + 5);
+    m_out[m_outLength++] = '"';
+    const size_t start = m_outLength;
+    PutText(*prefix);
+    if (m_outLength - start == prefix->size()) {
+        Put(':');
+        PutText(name);
+    }
+    Put("\": ", 3);
 }
 
 void CJsonTextWriter::Pair(const std::string& key, const std::string& value) {
     Key(key);
-    m_out += '"';
+    Put('"');
     if (m_standardEscaping) {
-        PutStandardEscaped(value.c_str());
+        PutStandardEscaped(value);
     } else {
         PutText(value);
     }
-    m_out += '"';
+    Put('"');
 }
 
-void CJsonTextWriter::PutLenientEscaped(const char* text) {
+inline void CJsonTextWriter::PutUnicodeEscape(unsigned char c) {
+    Reserve(6);
+    char* out = m_out + m_outLength;
+    out[0] = '\\';
+    out[1] = 'u';
+    out[2] = '0';
+    out[3] = '0';
+    out[4] = kHexDigits[c >> 4];
+    out[5] = kHexDigits[c & 0x0F];
+    m_outLength += 6;
+}
+
+// Both escapings copy plain bytes in one loop that also finds the next special byte. Before
+// each run, room for the rest of the text is reserved: a run never holds more.
+void CJsonTextWriter::PutLenientEscaped(const std::string& text) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text.c_str());
+    const unsigned char* const end = p + text.size();
     for (;;) {
-        const size_t run = PlainRun(text, kSpecialBytes.lenient);
-        m_out.append(text, run);
-        text += run;
-        const unsigned char c = static_cast<unsigned char>(*text);
+        Reserve(static_cast<size_t>(end - p));
+        char* out = m_out + m_outLength;
+        while (!kSpecialBytes.lenient[*p]) *out++ = static_cast<char>(*p++);
+        m_outLength = static_cast<size_t>(out - m_out);
+        const unsigned char c = *p;
         switch (c) {
             case 0:
                 return;
             case 0x0A:
                 if (m_eolType == EOLType_CRLF) {
-                    m_out += "\r\n";
+                    Put("\r\n", 2);
                 } else if (m_eolType == EOLType_LF) {
-                    m_out += '\n';
+                    Put('\n');
                 } else {
                     throw CKxException("Invalid EOL type.");
                 }
@@ -174,38 +252,38 @@ void CJsonTextWriter::PutLenientEscaped(const char* text) {
             case 0x08:
             case 0x09:
             case 0x0C:
-                m_out += static_cast<char>(c);
+                Put(static_cast<char>(c));
                 break;
             default:
-                m_out += "\\u00";
-                m_out += kHexDigits[c >> 4];
-                m_out += kHexDigits[c & 0x0F];
+                PutUnicodeEscape(c);
                 break;
         }
-        ++text;
+        ++p;
     }
 }
 
-void CJsonTextWriter::PutStandardEscaped(const char* text) {
+void CJsonTextWriter::PutStandardEscaped(const std::string& text) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text.c_str());
+    const unsigned char* const end = p + text.size();
     for (;;) {
-        const size_t run = PlainRun(text, kSpecialBytes.standard);
-        m_out.append(text, run);
-        text += run;
-        const unsigned char c = static_cast<unsigned char>(*text);
+        Reserve(static_cast<size_t>(end - p));
+        char* out = m_out + m_outLength;
+        while (!kSpecialBytes.standard[*p]) *out++ = static_cast<char>(*p++);
+        m_outLength = static_cast<size_t>(out - m_out);
+        const unsigned char c = *p;
         if (c == 0) return;
         if (c == '"' || c == '\\') {
-            m_out += '\\';
-            m_out += static_cast<char>(c);
+            Reserve(2);
+            m_out[m_outLength++] = '\\';
+            m_out[m_outLength++] = static_cast<char>(c);
         } else {
-            m_out += "\\u00";
-            m_out += kHexDigits[c >> 4];
-            m_out += kHexDigits[c & 0x0F];
+            PutUnicodeEscape(c);
         }
-        ++text;
+        ++p;
     }
 }
 
-void CJsonTextWriter::PutEscaped(const char* text) {
+void CJsonTextWriter::PutEscaped(const std::string& text) {
     if (m_standardEscaping) {
         PutStandardEscaped(text);
     } else {
@@ -223,12 +301,13 @@ void CJsonTextWriter::WriteValue(const std::string& value, ItemType type) {
                        : IsJsonNumber(text);
     }
     if (unquoted) {
-        m_out.append(text, std::strlen(text));
+        PutText(value);
         return;
     }
-    m_out += '"';
-    PutEscaped(text);
-    m_out += '"';
+    Reserve(value.size() + 2);
+    m_out[m_outLength++] = '"';
+    PutEscaped(value);
+    Put('"');
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -259,7 +338,7 @@ bool CJsonTextWriter::EnclosingStartsArray(const CXmlWriterContext& context) con
 // receive its first content.
 void CJsonTextWriter::OpenArray(CXmlWriterContext& context) {
     CXmlWriterContext* parent = context.GetParent();
-    m_out += '[';
+    Put('[');
     parent->SetContextState(ContextState_InCollection);
     Frame& frame = ParentFrame();
     frame.arrayOpen = true;
@@ -283,7 +362,7 @@ void CJsonTextWriter::CloseArray(CXmlWriterContext& context) {
         Indent(context.GetDepth());
         ShiftIndent(context, -1);
     }
-    m_out += ']';
+    Put(']');
 }
 
 // Anything written into an element after its collection ends first closes that collection's
@@ -302,18 +381,18 @@ void CJsonTextWriter::OpeningBrackets() {
     CXmlWriterContext& context = *GetCurrentContext();
     if (m_bareElement) {
         if (EnclosingStartsArray(context)) OpenArray(context);
-        m_out += '{';
+        Put('{');
         if (m_textPending) {
             // Text came first (mixed content): it becomes the object's text member.
             LineBreak();
             Indent(context.GetDepth() + 1);
             PutTextKey();
             WritePendingValue();
-            m_out += ',';
+            Put(',');
         }
     } else {
         CloseFinishedArray(context);
-        m_out += ',';
+        Put(',');
     }
     LineBreak();
 }
@@ -322,23 +401,26 @@ void CJsonTextWriter::OpeningBrackets() {
 // Document-level output
 
 void CJsonTextWriter::WriteStartDocument() {
-    m_out += '{';
+    const OutputScope scope(*this);
+    Put('{');
     LineBreak();
     Emit();
     FlushIfFull();
 }
 
 void CJsonTextWriter::WriteEndDocument() {
+    const OutputScope scope(*this);
     LineBreak();
-    m_out += '}';
+    Put('}');
     Emit();
 }
 
 void CJsonTextWriter::WriteComment(const std::string& text) {
-    m_out += "/* ";
-    PutLenientEscaped(text.c_str());
-    m_out += " */";
-    m_out += m_endOfLine;
+    const OutputScope scope(*this);
+    Put("/* ", 3);
+    PutLenientEscaped(text);
+    Put(" */", 3);
+    Put(m_endOfLine);
     Emit();
     FlushIfFull();
 }
@@ -366,6 +448,7 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
     CXmlWriterContext* parent = GetCurrentContext();
     const bool isRoot = parent == nullptr;
     const bool full = m_supportRoundtrip == RoundTrip_Full;
+    const OutputScope scope(*this);
     if (!isRoot && parent->GetContextState() == ContextState_InCollection) {
         // An item named otherwise (a substitute of an abstract item type) would lose its name
         // inside the array: it ends the array and starts one of its own.
@@ -393,7 +476,7 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
         }
         OpeningBrackets();
     } else if (m_rootWritten) {
-        m_out += ',';
+        Put(',');
         LineBreak();
     }
 
@@ -418,7 +501,7 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
             context.SetNamespaceMapValue(ns, freshPrefix);
             prefix = &freshPrefix;
         }
-        if (writeKey) Key(prefix != nullptr ? *prefix + ":" + name : name);
+        if (writeKey) PrefixedKey(prefix, name);
         // Each declaration may be the element's first content: OpeningBrackets then opens its
         // object (and the parent's array, which deepens this element).
         if (bindFresh) {
@@ -459,18 +542,25 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
 
 void CJsonTextWriter::WriteString(const std::string& text, ItemType type, bool) {
     CXmlWriterContext& context = RequireContext("There is no open Element for the text.");
+    const OutputScope scope(*this);
     if (m_bareElement) {
         // Held back until the element ends or gets other content: only then is it known
         // whether the text is the element's value or a member of its object. Adjacent texts
         // join, as they do in XML.
-        if (!m_textPending) m_pendingText.clear();
-        m_pendingText.append(text.c_str(), std::strlen(text.c_str()));
+        // The held text is kept whole and read up to its first NUL when written out, so a
+        // text joined to it is appended at that NUL.
+        if (!m_textPending) {
+            m_pendingText.assign(text);
+        } else {
+            m_pendingText.resize(std::strlen(m_pendingText.c_str()));
+            m_pendingText.append(text);
+        }
         m_pendingType = type;
         m_textPending = true;
         return;
     }
     CloseFinishedArray(context);
-    m_out += ',';
+    Put(',');
     LineBreak();
     Indent(context.GetDepth() + 1);
     PutTextKey();
@@ -479,7 +569,11 @@ void CJsonTextWriter::WriteString(const std::string& text, ItemType type, bool) 
 }
 
 void CJsonTextWriter::PutTextKey() {
-    m_out += m_supportRoundtrip == RoundTrip_None ? "\"\": " : "\"#text\": ";
+    if (m_supportRoundtrip == RoundTrip_None) {
+        Put("\"\": ", 4);
+    } else {
+        Put("\"#text\": ", 9);
+    }
 }
 
 void CJsonTextWriter::WritePendingValue() {
@@ -489,6 +583,7 @@ void CJsonTextWriter::WritePendingValue() {
 
 void CJsonTextWriter::WriteEndElement() {
     CXmlWriterContext& context = RequireContext("There is no open Element to end.");
+    const OutputScope scope(*this);
     if (CurrentFrame().arrayOpen) {
         context.SetContextState(ContextState_CollectionEnd);
         CloseArray(context);
@@ -501,7 +596,7 @@ void CJsonTextWriter::WriteEndElement() {
             // A text-only or empty item inside an array opened by an earlier item is written
             // as an object: the reader puts only the first plain value of an array into an
             // element, and a null there would end the enclosing element instead.
-            m_out += '{';
+            Put('{');
             if (m_textPending) {
                 LineBreak();
                 Indent(context.GetDepth() + 1);
@@ -510,7 +605,7 @@ void CJsonTextWriter::WriteEndElement() {
                 LineBreak();
                 Indent(context.GetDepth());
             }
-            m_out += '}';
+            Put('}');
         } else if (m_textPending) {
             // A text-only first item opens no array: like repeated simple elements, it is a
             // keyed value, and a later item with content opens the array under its own key.
@@ -518,12 +613,12 @@ void CJsonTextWriter::WriteEndElement() {
         } else {
             // An element with nothing in it still needs a value to be JSON; null reads back
             // as an empty element.
-            m_out += "null";
+            Put("null", 4);
         }
     } else {
         LineBreak();
         Indent(context.GetDepth());
-        m_out += '}';
+        Put('}');
     }
     PopContext();
     --m_openElements;
@@ -543,6 +638,7 @@ void CJsonTextWriter::WriteAttributeString(const std::string& name, const std::s
         }
     }
     std::string key;
+    const OutputScope scope(*this);
     if (m_supportRoundtrip != RoundTrip_None) key += '@';
     if (prefix != nullptr) key.append(*prefix).append(1, ':');
     key += name;

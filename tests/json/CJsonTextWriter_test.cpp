@@ -285,6 +285,119 @@ TEST(CJsonTextWriter, EscapesAsJsonWithStandardEscaping) {
     });
 }
 
+// What the escaping makes of byte `c` inside a quoted value, written out rule by rule.
+std::string EscapedByte(unsigned char c, bool standard, EOLType eol) {
+    const char hex[] = "0123456789ABCDEF";
+    const std::string unicode = std::string("\\u00") + hex[c >> 4] + hex[c & 0x0F];
+    if (standard) {
+        if (c == '"' || c == '\\') return std::string(1, '\\') + static_cast<char>(c);
+        return c < 0x20 ? unicode : std::string(1, static_cast<char>(c));
+    }
+    if (c == '\n') return eol == EOLType_CRLF ? "\r\n" : "\n";
+    if (c == '\r') return "";
+    if (c == '\t' || c == '\b' || c == '\f' || c >= 0x20) {
+        return std::string(1, static_cast<char>(c));
+    }
+    return unicode;
+}
+
+struct EscapingCase {
+    const char* what;
+    bool standard;
+    EOLType eol;
+};
+
+const EscapingCase kEscapings[] = {
+    {"lenient, LF", false, EOLType_LF},
+    {"lenient, CRLF", false, EOLType_CRLF},
+    {"standard", true, EOLType_LF},
+};
+
+TEST(CJsonTextWriter, EscapesEveryByteBelowDelete) {
+    for (const EscapingCase& row : kEscapings) {
+        SCOPED_TRACE(row.what);
+        for (int c = 1; c < 0x7F; ++c) {
+            SCOPED_TRACE(c);
+            const std::string value = std::string("a") + static_cast<char>(c) + "b";
+            const std::string expected =
+                "{\"V\": \"a" + EscapedByte(static_cast<unsigned char>(c), row.standard, row.eol) +
+                "b\"}";
+            EXPECT_EQ(expected,
+                      Render([&](CJsonTextWriter& w) { Leaf(w, "V", value, ItemType_string); },
+                             Flat(row.standard, RoundTrip_Full, row.eol)));
+        }
+    }
+}
+
+// The writer fills the stream's blocks in place: a value that starts anywhere near the end of
+// a block, and is longer than a block, must come out whole whichever byte meets the boundary.
+TEST(CJsonTextWriter, WritesEscapedTextAcrossStreamBlocksWhole) {
+    std::string value;
+    for (int i = 0; i < 1500; ++i) value += "ab\x01\"\\\r\n\x1f";
+    for (const EscapingCase& row : kEscapings) {
+        SCOPED_TRACE(row.what);
+        std::string escaped;
+        for (char c : value) {
+            escaped += EscapedByte(static_cast<unsigned char>(c), row.standard, row.eol);
+        }
+        for (size_t fill = 4050; fill < 4110; ++fill) {
+            SCOPED_TRACE(fill);
+            const std::string filler(fill, 'x');
+            const std::string json = Render(
+                [&](CJsonTextWriter& w) {
+                    w.WriteStartElement("R", "");
+                    w.WriteAttributeString("f", "", filler, ItemType_string);
+                    w.WriteAttributeString("v", "", value, ItemType_string);
+                    w.WriteString(value, ItemType_string, false);
+                    w.WriteEndElement();
+                },
+                Flat(row.standard, RoundTrip_Full, row.eol));
+            ASSERT_EQ("{\"R\": {\"@f\": \"" + filler + "\",\"@v\": \"" + escaped +
+                          "\",\"#text\": \"" + escaped + "\"}}",
+                      json);
+        }
+    }
+}
+
+TEST(CJsonTextWriter, EndsCallerTextAtItsFirstNul) {
+    const std::string nulA("a\0z", 3);
+    RunShapes({
+        {"texts held back join at the first one's NUL",
+         [&](CJsonTextWriter& w) {
+             w.WriteStartElement("V", "");
+             w.WriteString(nulA, ItemType_string, false);
+             w.WriteString(std::string("b\0y", 3), ItemType_string, false);
+             w.WriteString("c", ItemType_string, false);
+             w.WriteEndElement();
+         },
+         Flat(), "{\"V\": \"abc\"}"},
+        {"an unquoted number",
+         [&](CJsonTextWriter& w) { Leaf(w, "V", std::string("12\0" "3", 4), ItemType_i4); },
+         Flat(), "{\"V\": 12}"},
+        {"an element name",
+         [&](CJsonTextWriter& w) {
+             w.WriteStartElement(std::string("Na\0me", 5), "");
+             w.WriteEndElement();
+         },
+         Flat(), "{\"Na\": null}"},
+        {"an attribute name and value",
+         [&](CJsonTextWriter& w) {
+             w.WriteStartElement("R", "");
+             w.WriteAttributeString(std::string("at\0tr", 5), "", nulA, ItemType_string);
+             w.WriteEndElement();
+         },
+         Flat(), "{\"R\": {\"@at\": \"a\"}}"},
+        {"a text member beside an attribute, standard escaping",
+         [&](CJsonTextWriter& w) {
+             w.WriteStartElement("R", "");
+             w.WriteAttributeString("a", "", "1", ItemType_i4);
+             w.WriteString(nulA, ItemType_string, false);
+             w.WriteEndElement();
+         },
+         Flat(true), "{\"R\": {\"@a\": 1,\"#text\": \"a\"}}"},
+    });
+}
+
 TEST(CJsonTextWriter, WritesCommentsAndIgnoresWhatJsonCannotHold) {
     RunShapes({
         {"comment before the root, line end even unformatted",
