@@ -3,6 +3,7 @@
 #ifndef KX_CJSONTEXTWRITER_H
 #define KX_CJSONTEXTWRITER_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@
 #include "KxTypes.h"
 
 namespace KxXmlLib16 {
+
+class CTextAppender;
 
 // The mapping: the document is one object; an element is a key ("prefix:name" in full round
 // trip), holding an object of its attributes ("@name"), namespace declarations ("@xmlns",
@@ -101,11 +104,8 @@ private:
     void ShiftIndent(CXmlWriterContext& context, int delta);
     CXmlWriterContext& RequireContext(const char* message) const;
 
-    // Output assembly: each operation writes straight into room the stream prepares
-    // (CTextStream::PrepareAppend) and commits it whole, so it reaches the stream as one
-    // piece without a staging copy.
-    void Reserve(size_t extra);
-    void Grow(size_t extra);
+    // Output assembly: each operation writes straight into room the stream prepares (m_out)
+    // and commits it whole, so it reaches the stream as one piece without a staging copy.
     void Put(char c);
     void Put(const char* text, size_t length);
     void Put(const std::string& text);
@@ -125,12 +125,6 @@ private:
     void PutLenientEscaped(const std::string& text);
     // "\u00" and two hexadecimal digits.
     void PutUnicodeEscape(unsigned char c);
-    // Commits what the operation wrote to the stream.
-    void Emit();
-    // Lets go of the prepared room without committing. Run at the end of every operation (so
-    // no pointer into the stream outlives it) by an OutputScope.
-    void DiscardOutput();
-    struct OutputScope;
     void FlushIfFull();
 
     std::string m_indentChars;
@@ -164,11 +158,8 @@ private:
     size_t m_openElements;
     // m_indents[n] holds the indent characters repeated n times.
     std::vector<std::string> m_indents;
-    // The room of the operation under way (null between operations), how much of it is
-    // written and how much there is.
-    char* m_out;
-    size_t m_outLength;
-    size_t m_outCapacity;
+    // The output of the operation under way; an operation that fails commits nothing.
+    std::unique_ptr<CTextAppender> m_out;
 };
 
 }  // namespace KxXmlLib16

@@ -15,6 +15,8 @@
 
 namespace KxXmlLib16 {
 
+class CTextAppender;
+
 // Text is appended to the stream as it is produced; whenever an operation leaves 4096 or more
 // characters buffered, the stream's Flush() is called. Misuse throws CKxException; text
 // already appended stays in the stream.
@@ -89,7 +91,7 @@ public:
 
 private:
     // Markup helpers: they write each operation's markup in place at the end of the stream's
-    // text (m_markup), which EmitMarkup then makes part of the text in one piece.
+    // text (m_out), which commits it in one piece when the operation is complete.
     void CloseParentElm();
     void AddIndent(int depth);
     // `prefix`, ':' and `name`, or `name` alone when `prefix` is null.
@@ -101,13 +103,6 @@ private:
     void Put(const std::string& text);
     // Free text given by the caller: like the stream's own Append, up to its first NUL.
     void PutText(const std::string& text);
-    void Reserve(size_t extra);
-    // Commits m_markup to the stream's text and lets go of the room.
-    void EmitMarkup();
-    // Lets go of the room without committing: what the operation wrote is dropped. Run at the
-    // end of every operation (so no pointer into the stream outlives it), by a MarkupScope.
-    void DiscardMarkup();
-    struct MarkupScope;
 
     // Appends `text` escaped for element content or, with `inAttribute`, an attribute value.
     void PadAndAppend(const std::string& text, bool inAttribute);
@@ -128,11 +123,9 @@ private:
     // m_indents[d] holds the indent characters repeated d times, built as deeper levels appear.
     std::vector<std::string> m_indents;
     // The markup of the operation under way, written straight into the room the stream
-    // prepared (CTextStream::PrepareAppend) and committed whole, so each operation reaches
-    // the stream as one piece without being copied there. Null between operations.
-    char* m_markup;
-    size_t m_markupLength;
-    size_t m_markupCapacity;
+    // prepares and committed whole, so each operation reaches the stream as one piece
+    // without being copied there. An operation that fails commits nothing.
+    std::unique_ptr<CTextAppender> m_out;
 };
 
 }  // namespace KxXmlLib16

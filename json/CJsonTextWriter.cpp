@@ -1,11 +1,10 @@
 #include "CJsonTextWriter.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "CKxException.h"
 #include "FormatString.h"
-#include "io/CopyShortBytes.h"
+#include "io/CTextAppender.h"
 
 namespace KxXmlLib16 {
 
@@ -73,14 +72,6 @@ bool IsJsonNumber(const char* p) {
 
 }  // namespace
 
-struct CJsonTextWriter::OutputScope {
-    explicit OutputScope(CJsonTextWriter& writer) : m_writer(writer) {}
-    ~OutputScope() { m_writer.DiscardOutput(); }
-    OutputScope(const OutputScope&) = delete;
-    OutputScope& operator=(const OutputScope&) = delete;
-    CJsonTextWriter& m_writer;
-};
-
 CJsonTextWriter::CJsonTextWriter(CTextStream& stream)
     : CXmlWriter("CJsonTextWriter"),
       m_indentChars("\t"),
@@ -95,9 +86,7 @@ CJsonTextWriter::CJsonTextWriter(CTextStream& stream)
       m_standardEscaping(false),
       m_rootWritten(false),
       m_openElements(0),
-      m_out(nullptr),
-      m_outLength(0),
-      m_outCapacity(0) {}
+      m_out(std::make_unique<CTextAppender>(stream)) {}
 
 CJsonTextWriter::~CJsonTextWriter() = default;
 
@@ -114,50 +103,20 @@ void CJsonTextWriter::Close() {
 // ---------------------------------------------------------------------------------------------
 // Text assembly
 
-inline void CJsonTextWriter::Reserve(size_t extra) {
-    if (m_outLength + extra > m_outCapacity) Grow(extra);
-}
+inline void CJsonTextWriter::Put(char c) { m_out->Put(c); }
 
-// Kept out of line, so that the test in Reserve stays small enough to inline everywhere.
-void CJsonTextWriter::Grow(size_t extra) {
-    // Moving to a new block copies what the operation wrote so far: the room at least doubles,
-    // so a long text is not copied over and over.
-    m_out = m_stream.PrepareAppend(m_outLength, std::max(m_outLength + extra, 2 * m_outLength),
-                                   m_outCapacity);
-}
+inline void CJsonTextWriter::Put(const char* text, size_t length) { m_out->Put(text, length); }
 
-inline void CJsonTextWriter::Put(char c) {
-    Reserve(1);
-    m_out[m_outLength++] = c;
-}
-
-inline void CJsonTextWriter::Put(const char* text, size_t length) {
-    Reserve(length);
-    CopyShortBytes(m_out + m_outLength, text, length);
-    m_outLength += length;
-}
-
-inline void CJsonTextWriter::Put(const std::string& text) { Put(text.data(), text.size()); }
+inline void CJsonTextWriter::Put(const std::string& text) { m_out->Put(text); }
 
 inline void CJsonTextWriter::PutText(const std::string& text) {
     // Copied while looking for the NUL, instead of measuring the text first and copying it
     // after: the size bounds the copy, the terminator of c_str() ends it.
-    Reserve(text.size());
+    m_out->Reserve(text.size());
     const char* from = text.c_str();
-    char* out = m_out + m_outLength;
+    char* out = m_out->End();
     while (*from != '\0') *out++ = *from++;
-    m_outLength = static_cast<size_t>(out - m_out);
-}
-
-void CJsonTextWriter::Emit() {
-    if (m_outLength != 0) m_stream.CommitAppend(m_outLength);
-    DiscardOutput();
-}
-
-void CJsonTextWriter::DiscardOutput() {
-    m_out = nullptr;
-    m_outLength = 0;
-    m_outCapacity = 0;
+    m_out->SetEnd(out);
 }
 
 void CJsonTextWriter::FlushIfFull() {
@@ -177,8 +136,7 @@ void CJsonTextWriter::Indent(int level) {
 }
 
 void CJsonTextWriter::Key(const std::string& key) {
-    Reserve(key.size() + 4);
-    m_out[m_outLength++] = '"';
+    Put('"');
     PutText(key);
     Put("\": ", 3);
 }
@@ -190,11 +148,10 @@ void CJsonTextWriter::PrefixedKey(const std::string* prefix, const std::string& 
         Key(name);
         return;
     }
-    Reserve(prefix->size() + name.size() + 5);
-    m_out[m_outLength++] = '"';
-    const size_t start = m_outLength;
+    Put('"');
+    const size_t start = m_out->GetLength();
     PutText(*prefix);
-    if (m_outLength - start == prefix->size()) {
+    if (m_out->GetLength() - start == prefix->size()) {
         Put(':');
         PutText(name);
     }
@@ -213,15 +170,15 @@ void CJsonTextWriter::Pair(const std::string& key, const std::string& value) {
 }
 
 inline void CJsonTextWriter::PutUnicodeEscape(unsigned char c) {
-    Reserve(6);
-    char* out = m_out + m_outLength;
+    m_out->Reserve(6);
+    char* out = m_out->End();
     out[0] = '\\';
     out[1] = 'u';
     out[2] = '0';
     out[3] = '0';
     out[4] = kHexDigits[c >> 4];
     out[5] = kHexDigits[c & 0x0F];
-    m_outLength += 6;
+    m_out->SetEnd(out + 6);
 }
 
 // Both escapings copy plain bytes in one loop that also finds the next special byte. Before
@@ -230,10 +187,10 @@ void CJsonTextWriter::PutLenientEscaped(const std::string& text) {
     const unsigned char* p = reinterpret_cast<const unsigned char*>(text.c_str());
     const unsigned char* const end = p + text.size();
     for (;;) {
-        Reserve(static_cast<size_t>(end - p));
-        char* out = m_out + m_outLength;
+        m_out->Reserve(static_cast<size_t>(end - p));
+        char* out = m_out->End();
         while (!kSpecialBytes.lenient[*p]) *out++ = static_cast<char>(*p++);
-        m_outLength = static_cast<size_t>(out - m_out);
+        m_out->SetEnd(out);
         const unsigned char c = *p;
         switch (c) {
             case 0:
@@ -266,16 +223,15 @@ void CJsonTextWriter::PutStandardEscaped(const std::string& text) {
     const unsigned char* p = reinterpret_cast<const unsigned char*>(text.c_str());
     const unsigned char* const end = p + text.size();
     for (;;) {
-        Reserve(static_cast<size_t>(end - p));
-        char* out = m_out + m_outLength;
+        m_out->Reserve(static_cast<size_t>(end - p));
+        char* out = m_out->End();
         while (!kSpecialBytes.standard[*p]) *out++ = static_cast<char>(*p++);
-        m_outLength = static_cast<size_t>(out - m_out);
+        m_out->SetEnd(out);
         const unsigned char c = *p;
         if (c == 0) return;
         if (c == '"' || c == '\\') {
-            Reserve(2);
-            m_out[m_outLength++] = '\\';
-            m_out[m_outLength++] = static_cast<char>(c);
+            const char pair[] = {'\\', static_cast<char>(c)};
+            Put(pair, 2);
         } else {
             PutUnicodeEscape(c);
         }
@@ -304,8 +260,8 @@ void CJsonTextWriter::WriteValue(const std::string& value, ItemType type) {
         PutText(value);
         return;
     }
-    Reserve(value.size() + 2);
-    m_out[m_outLength++] = '"';
+    m_out->Reserve(value.size() + 2);
+    Put('"');
     PutEscaped(value);
     Put('"');
 }
@@ -401,27 +357,27 @@ void CJsonTextWriter::OpeningBrackets() {
 // Document-level output
 
 void CJsonTextWriter::WriteStartDocument() {
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     Put('{');
     LineBreak();
-    Emit();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CJsonTextWriter::WriteEndDocument() {
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     LineBreak();
     Put('}');
-    Emit();
+    m_out->Commit();
 }
 
 void CJsonTextWriter::WriteComment(const std::string& text) {
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     Put("/* ", 3);
     PutLenientEscaped(text);
     Put(" */", 3);
     Put(m_endOfLine);
-    Emit();
+    m_out->Commit();
     FlushIfFull();
 }
 
@@ -448,7 +404,7 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
     CXmlWriterContext* parent = GetCurrentContext();
     const bool isRoot = parent == nullptr;
     const bool full = m_supportRoundtrip == RoundTrip_Full;
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     if (!isRoot && parent->GetContextState() == ContextState_InCollection) {
         // An item named otherwise (a substitute of an abstract item type) would lose its name
         // inside the array: it ends the array and starts one of its own.
@@ -536,13 +492,13 @@ void CJsonTextWriter::WriteStartElement(const std::string& name, const std::stri
         }
     }
     m_rootWritten = true;
-    Emit();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CJsonTextWriter::WriteString(const std::string& text, ItemType type, bool) {
     CXmlWriterContext& context = RequireContext("There is no open Element for the text.");
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     if (m_bareElement) {
         // Held back until the element ends or gets other content: only then is it known
         // whether the text is the element's value or a member of its object. Adjacent texts
@@ -565,7 +521,7 @@ void CJsonTextWriter::WriteString(const std::string& text, ItemType type, bool) 
     Indent(context.GetDepth() + 1);
     PutTextKey();
     WriteValue(text, type);
-    Emit();
+    m_out->Commit();
 }
 
 void CJsonTextWriter::PutTextKey() {
@@ -583,7 +539,7 @@ void CJsonTextWriter::WritePendingValue() {
 
 void CJsonTextWriter::WriteEndElement() {
     CXmlWriterContext& context = RequireContext("There is no open Element to end.");
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     if (CurrentFrame().arrayOpen) {
         context.SetContextState(ContextState_CollectionEnd);
         CloseArray(context);
@@ -624,7 +580,7 @@ void CJsonTextWriter::WriteEndElement() {
     --m_openElements;
     m_bareElement = false;
     m_textPending = false;
-    Emit();
+    m_out->Commit();
 }
 
 void CJsonTextWriter::WriteAttributeString(const std::string& name, const std::string& ns,
@@ -638,7 +594,7 @@ void CJsonTextWriter::WriteAttributeString(const std::string& name, const std::s
         }
     }
     std::string key;
-    const OutputScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     if (m_supportRoundtrip != RoundTrip_None) key += '@';
     if (prefix != nullptr) key.append(*prefix).append(1, ':');
     key += name;
@@ -647,7 +603,7 @@ void CJsonTextWriter::WriteAttributeString(const std::string& name, const std::s
     Key(key);
     WriteValue(value, type);
     m_bareElement = false;
-    Emit();
+    m_out->Commit();
 }
 
 void CJsonTextWriter::WriteAttributeType(const std::string& typeName, const std::string& typeNs,

@@ -1,10 +1,9 @@
 #include "CXmlTextWriter.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "CKxException.h"
-#include "io/CopyShortBytes.h"
+#include "io/CTextAppender.h"
 
 namespace KxXmlLib16 {
 
@@ -57,17 +56,7 @@ CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
       m_format(true),
       m_stream(stream),
       m_elementStarted(false),
-      m_markup(nullptr),
-      m_markupLength(0),
-      m_markupCapacity(0) {}
-
-struct CXmlTextWriter::MarkupScope {
-    explicit MarkupScope(CXmlTextWriter& writer) : m_writer(writer) {}
-    ~MarkupScope() { m_writer.DiscardMarkup(); }
-    MarkupScope(const MarkupScope&) = delete;
-    MarkupScope& operator=(const MarkupScope&) = delete;
-    CXmlTextWriter& m_writer;
-};
+      m_out(std::make_unique<CTextAppender>(stream)) {}
 
 CXmlTextWriter::~CXmlTextWriter() = default;
 
@@ -84,44 +73,14 @@ void CXmlTextWriter::Close() {
 // ---------------------------------------------------------------------------------------------
 // Markup assembly
 
-inline void CXmlTextWriter::Reserve(size_t extra) {
-    const size_t needed = m_markupLength + extra;
-    if (needed > m_markupCapacity) {
-        // Moving to a new block copies what the operation wrote so far: the room at least
-        // doubles, so a long escaped text is not copied over and over.
-        m_markup = m_stream.PrepareAppend(m_markupLength, std::max(needed, 2 * m_markupLength),
-                                          m_markupCapacity);
-    }
-}
+inline void CXmlTextWriter::Put(char c) { m_out->Put(c); }
 
-inline void CXmlTextWriter::Put(char c) {
-    Reserve(1);
-    m_markup[m_markupLength++] = c;
-}
+inline void CXmlTextWriter::Put(const char* text, size_t length) { m_out->Put(text, length); }
 
-inline void CXmlTextWriter::Put(const char* text, size_t length) {
-    Reserve(length);
-    CopyShortBytes(m_markup + m_markupLength, text, length);
-    m_markupLength += length;
-}
-
-inline void CXmlTextWriter::Put(const std::string& text) { Put(text.data(), text.size()); }
+inline void CXmlTextWriter::Put(const std::string& text) { m_out->Put(text); }
 
 inline void CXmlTextWriter::PutText(const std::string& text) {
     Put(text.c_str(), std::strlen(text.c_str()));
-}
-
-void CXmlTextWriter::EmitMarkup() {
-    if (m_markupLength != 0) {
-        m_stream.CommitAppend(m_markupLength);
-    }
-    DiscardMarkup();
-}
-
-void CXmlTextWriter::DiscardMarkup() {
-    m_markup = nullptr;
-    m_markupLength = 0;
-    m_markupCapacity = 0;
 }
 
 void CXmlTextWriter::FlushIfFull() {
@@ -208,7 +167,7 @@ void CXmlTextWriter::PadAndAppend(const std::string& text, bool inAttribute) {
     const bool plain = begin[plainLength] == '\0';
     if (plain && plainLength > kLongText) {
         // A long text that needs no escaping goes to the stream without a copy.
-        EmitMarkup();
+        m_out->Commit();
         m_stream.Append(begin, plainLength);
     } else if (plain) {
         Put(begin, plainLength);
@@ -236,7 +195,7 @@ void CXmlTextWriter::CloseParentElm() {
 // Document-level output
 
 void CXmlTextWriter::WriteStartDocument() {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     Put("<?xml version=\"1.0\"", 19);
     switch (m_stream.GetEncoding()) {
         case XmlEncoding_UTF8:
@@ -250,64 +209,64 @@ void CXmlTextWriter::WriteStartDocument() {
     }
     Put("?>", 2);
     Put(m_endOfLine);
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteHeaderDirective(const std::string& text) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     if (m_elementStarted) {
         throw CKxException("Headed directives must appear before an Element has been added.");
     }
     PutText(text);
     Put(m_endOfLine);
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WritePI(const std::string& text) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     PutText(text);
     Put(m_endOfLine);
     Put(m_endOfLine);
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteComment(const std::string& text) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     Put("<!--", 4);
     PadAndAppend(text, false);
     Put("-->", 3);
     Put(m_endOfLine);
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteInlineSchema(const std::string& text) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     Put(' ');
     Put(m_endOfLine);
     PutText(text);
     Put(m_endOfLine);
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteRawElement(const std::string& text) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     PutText(text);
     if (m_format) {
         Put(m_endOfLine);
     }
-    EmitMarkup();
+    m_out->Commit();
 }
 
 // ---------------------------------------------------------------------------------------------
 // Elements, text and attributes
 
 void CXmlTextWriter::WriteStartElement(const std::string& name, const std::string& ns) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     CloseParentElm();
     CXmlWriterContext& context = *PushContext(name, ns);
     context.SetStartTagOpen(true);
@@ -355,13 +314,13 @@ void CXmlTextWriter::WriteStartElement(const std::string& name, const std::strin
             }
         }
     }
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
                                  bool isDefaultValue) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     // Nothing at all for an empty text, so the element can still end as an empty-element tag.
     if (text.empty() || (isDefaultValue && !m_writeDefaultElementValues)) {
         return;
@@ -372,17 +331,17 @@ void CXmlTextWriter::WriteString(const std::string& text, ItemType /*type*/,
         context->SetStartTagOpen(false);
     }
     if (text[0] == '<' && StartsWith(text, kCDataStart, sizeof kCDataStart - 1)) {
-        EmitMarkup();
+        m_out->Commit();
         m_stream.Append(text);
     } else {
         PadAndAppend(text, false);
-        EmitMarkup();
+        m_out->Commit();
     }
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteEndElement() {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr) {
         throw CKxException("There is no open Element to end.");
@@ -412,14 +371,14 @@ void CXmlTextWriter::WriteEndElement() {
     if (m_format) {
         Put(m_endOfLine);
     }
-    EmitMarkup();
+    m_out->Commit();
     PopContext();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteAttributeString(const std::string& name, const std::string& ns,
                                           const std::string& value, ItemType /*type*/) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr || !context->IsStartTagOpen()) {
         throw CKxException("Attributes must be added before elements");
@@ -444,13 +403,13 @@ void CXmlTextWriter::WriteAttributeString(const std::string& name, const std::st
     Put("=\"", 2);
     PutEscaped(value.c_str(), true);
     Put('"');
-    EmitMarkup();
+    m_out->Commit();
     FlushIfFull();
 }
 
 void CXmlTextWriter::WriteAttributeType(const std::string& typeName, const std::string& typeNs,
                                         ItemType type) {
-    const MarkupScope scope(*this);
+    const CTextAppender::Scope scope(*m_out);
     CXmlWriterContext* context = GetCurrentContext();
     if (context == nullptr || !context->IsStartTagOpen()) {
         throw CKxException("Attributes must be added before elements");
@@ -472,7 +431,7 @@ void CXmlTextWriter::WriteAttributeType(const std::string& typeName, const std::
     } else {
         value = typeName;
     }
-    EmitMarkup();
+    m_out->Commit();
     WriteAttributeString("type", kXsiNamespace, value, type);
 }
 
